@@ -3304,6 +3304,32 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>All copies are protected and stay</source>
         <translation>Alle Kopien sind geschützt und bleiben</translation>
     </message>
+    <message>
+        <source>A folder with 1 file, which goes or stays as a whole</source>
+        <translation>Ein Ordner mit 1 Datei, der als Ganzes geht oder bleibt</translation>
+    </message>
+    <message numerus="yes">
+        <source>A folder with %Ln files, which goes or stays as a whole</source>
+        <translation>
+            <numerusform>Ein Ordner mit %Ln Datei, der als Ganzes geht oder bleibt</numerusform>
+            <numerusform>Ein Ordner mit %Ln Dateien, der als Ganzes geht oder bleibt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Goes with the folder %1</source>
+        <translation>Geht mit dem Ordner %1</translation>
+    </message>
+    <message>
+        <source>%1, 1 file each</source>
+        <translation>%1, je 1 Datei</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1, %Ln files each</source>
+        <translation>
+            <numerusform>%1, je %Ln Datei</numerusform>
+            <numerusform>%1, je %Ln Dateien</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::FastClean</name>
@@ -4078,6 +4104,57 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
 </context>
 <context>
+    <name>orrinvale::PartlyPanel</name>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>%1 of it is also in %2</source>
+        <translation>%1 davon liegen auch in %2</translation>
+    </message>
+    <message>
+        <source>Shared</source>
+        <translation>Gemeinsam</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Partly equal folders</source>
+        <translation>Teilweise gleiche Ordner</translation>
+    </message>
+    <message>
+        <source>Folders that are for the most part in another one</source>
+        <translation>Ordner, die größtenteils in einem anderen liegen</translation>
+    </message>
+    <message>
+        <source>Counted are files with equal contents, under whatever name and wherever in the other folder they lie. Nothing is ticked by this list.</source>
+        <translation>Gezählt werden Dateien mit gleichem Inhalt, unter welchem Namen und wo auch immer sie im anderen Ordner liegen. Diese Liste kreuzt nichts an.</translation>
+    </message>
+    <message>
+        <source>Show Both Folders</source>
+        <translation>Beide Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Search These Two</source>
+        <translation>Diese beiden durchsuchen</translation>
+    </message>
+    <message>
+        <source>A new search in these two folders alone</source>
+        <translation>Eine neue Suche in diesen beiden Ordnern allein</translation>
+    </message>
+</context>
+<context>
     <name>orrinvale::PlacesPanel</name>
     <message>
         <source>Folder</source>
@@ -4838,6 +4915,108 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Remove for Good…</source>
         <translation>Endgültig entfernen …</translation>
     </message>
+    <message>
+        <source>Whole Folders</source>
+        <translation>Ganze Ordner</translation>
+    </message>
+    <message>
+        <source>Folders that are equal as wholes stand above the files, and the files in them are not listed one by one</source>
+        <translation>Ordner, die als Ganzes gleich sind, stehen über den Dateien, und die Dateien in ihnen werden nicht einzeln aufgeführt</translation>
+    </message>
+    <message>
+        <source>As Found</source>
+        <translation>Wie gefunden</translation>
+    </message>
+    <message>
+        <source>Biggest Gain First</source>
+        <translation>Größter Gewinn zuerst</translation>
+    </message>
+    <message>
+        <source>What their removal gives, as long as one copy stays</source>
+        <translation>Was ihr Entfernen bringt, solange eine Kopie bleibt</translation>
+    </message>
+    <message>
+        <source>Partly Equal Folders…</source>
+        <translation>Teilweise gleiche Ordner …</translation>
+    </message>
+    <message>
+        <source>Folders that are for the most part in another one</source>
+        <translation>Ordner, die größtenteils in einem anderen liegen</translation>
+    </message>
+    <message>
+        <source>Found by a search with Whole Folders on</source>
+        <translation>Eine Suche mit „Ganze Ordner“ findet sie</translation>
+    </message>
+    <message>
+        <source>1 file</source>
+        <translation>1 Datei</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files</source>
+        <translation>
+            <numerusform>%Ln Datei</numerusform>
+            <numerusform>%Ln Dateien</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 of them is a folder: all that is in it goes, %1.</source>
+        <translation>1 davon ist ein Ordner: Alles darin geht, %1.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln of them are folders: all that is in them goes, %1.</source>
+        <translation>
+            <numerusform>%Ln davon ist ein Ordner: Alles darin geht, %1.</numerusform>
+            <numerusform>%Ln davon sind Ordner: Alles darin geht, %1.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>selected %n entries in All</source>
+        <translation>
+            <numerusform>insgesamt %n ausgewählt</numerusform>
+            <numerusform>insgesamt %n ausgewählt</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n entries in %1</source>
+        <translation>
+            <numerusform>%n Eintrag in %1</numerusform>
+            <numerusform>%n Einträge in %1</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Move %Ln entries to the trash?</source>
+        <translation>
+            <numerusform>%Ln Eintrag in den Papierkorb legen?</numerusform>
+            <numerusform>%Ln Einträge in den Papierkorb legen?</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln entries, %1, go for good.</source>
+        <translation>
+            <numerusform>%Ln Eintrag, %1, geht endgültig.</numerusform>
+            <numerusform>%Ln Einträge, %1, gehen endgültig.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Move 1 entry to the trash?</source>
+        <translation>1 Eintrag in den Papierkorb legen?</translation>
+    </message>
+    <message>
+        <source>1 entry, %1, goes for good.</source>
+        <translation>1 Eintrag, %1, geht endgültig.</translation>
+    </message>
+    <message>
+        <source>selected 1 entry in All</source>
+        <translation>insgesamt 1 ausgewählt</translation>
+    </message>
+    <message>
+        <source>1 entry in %1</source>
+        <translation>1 Eintrag in %1</translation>
+    </message>
+    <message>
+        <source>View…</source>
+        <translation>Ansicht …</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::SavePlanPanel</name>
@@ -4905,6 +5084,17 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Write the whole path, from the first slash on</source>
         <translation>Den ganzen Pfad schreiben, vom ersten Schrägstrich an</translation>
+    </message>
+    <message>
+        <source>1 folder is left out: what is in it has changed since the search.</source>
+        <translation>1 Ordner bleibt weg: Sein Inhalt hat sich seit der Suche geändert.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln folders are left out: what is in them has changed since the search.</source>
+        <translation>
+            <numerusform>%Ln Ordner bleibt weg: Sein Inhalt hat sich seit der Suche geändert.</numerusform>
+            <numerusform>%Ln Ordner bleiben weg: Ihr Inhalt hat sich seit der Suche geändert.</numerusform>
+        </translation>
     </message>
 </context>
 <context>

@@ -17,6 +17,7 @@
 
 #include "engine/base/notices.h"
 #include "engine/cleaning/QnAuthorization.h"
+#include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "gallery/SampleFolder.h"
 #include "gallery/drawing.h"
@@ -24,6 +25,7 @@
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/DuplicationLeftCell.h"
 #include "ui/duplicates/HistoryPanel.h"
+#include "ui/duplicates/PartlyPanel.h"
 #include "ui/duplicates/PlanPanel.h"
 #include "ui/duplicates/ScopePanel.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
@@ -53,17 +55,18 @@ constexpr int cancel = 1;
 
 DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defaults,
                                  const PictureFolder& pictures, QSet<QString> wanted)
-    : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("duplicates-")) {
+    : PageScenes(sample, defaults, pictures, std::move(wanted), QStringLiteral("duplicates-")),
+      m_defaults(defaults) {
     QnAuthorization::shareQnAuthorization().setParts(
         {.authorization = nullptr, .files = &m_files, .permissions = nullptr, .ownFiles = {}});
     m_files.refuse(SampleFolder::unreadableFile, EACCES);
 }
 
 bool DuplicateScenes::draw() {
-    return drawFirstView() && drawScope() && drawSearch() && drawResult() && drawKeep() &&
-           drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPane() && drawPreview() &&
-           drawMoved() && drawHistory() && drawPlan() && drawRemoval() && drawFailures() &&
-           drawEmptyResult();
+    return drawFirstView() && drawScope() && drawFolders() && drawSearch() && drawResult() &&
+           drawKeep() && drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPane() &&
+           drawPreview() && drawMoved() && drawHistory() && drawPlan() && drawRemoval() &&
+           drawFailures() && drawEmptyResult();
 }
 
 QTreeView* DuplicateScenes::outline() const {
@@ -121,6 +124,36 @@ bool DuplicateScenes::drawScope() {
     const bool isSaved = save("scope");
     panel()->cancelButton->click();
     return isSaved && waitForSheet(false);
+}
+
+// Whole folders, the menu that asks for them, and the sheet of those that are equal in parts.
+bool DuplicateScenes::drawFolders() {
+    m_defaults.setBool(true, wholeFoldersKey);
+    startSearch(m_sample.attic());
+    if (!waitForResult()) return false;
+    tickGroup("Photos 2024");
+    outline()->collapseAll();
+    for (const char* const name : {"Photos 2024", "IMG_1003"})
+        outline()->expand(groupNamed(name).siblingAtColumn(0));
+    outline()->setCurrentIndex(groupNamed("Photos 2024"));
+    outline()->scrollToTop();
+    const auto* const remove = m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"));
+    if (!waitFor("the button that removes", [&] { return remove->isEnabled(); }) ||
+        !save("folders") || !click("otherWayBtn"))
+        return false;
+    auto* const ways = m_window->findChild<QMenu*>(QStringLiteral("moreMenu"));
+    ways->actions().back()->trigger();
+    ways->close();
+    auto* const menu = m_window->findChild<QMenu*>(QStringLiteral("viewMenu"));
+    if (!save("view", menu)) return false;
+    menu->actions().back()->trigger();
+    menu->close();
+    const auto sheet = [this] { return m_window->findChild<PartlyPanel*>(); };
+    if (!waitForSheet(true) || !save("partly")) return false;
+    sheet()->closeButton->click();
+    tickGroup("Photos 2024");
+    m_defaults.setBool(false, wholeFoldersKey);
+    return waitForSheet(false);
 }
 
 bool DuplicateScenes::drawKeep() {

@@ -24,6 +24,7 @@ public:
 private:
     bool drawFirstView();
     bool drawScope();
+    bool drawFolders();
     bool drawKeep();
     bool drawSearch();
     bool drawResult();
@@ -45,6 +46,7 @@ private:
     bool pressInSheet(int number);
     bool saveLines(const char* scene, const char* lineButton);
     void tickGroup(const char* name);
+    UserDefaults& m_defaults;
     [[nodiscard]] QTreeView* outline() const;
     [[nodiscard]] QModelIndex groupNamed(const char* name) const;
     bool click(const char* objectName) const;

@@ -64,6 +64,32 @@ constexpr std::array family{
     Sample{"Mail of the old computer/inbox", 90'112, 11, 3},
 };
 
+// Two folders of it are equal, and two for the most part.
+constexpr std::array attic{
+    Sample{"Photos 2024/Norway/IMG_1001.jpg", 4'112'331, 30, 150},
+    Sample{"Photos 2024/Norway/IMG_1002.jpg", 3'871'204, 31, 150},
+    Sample{"Photos 2024/Norway/IMG_1003.jpg", 5'002'118, 32, 151},
+    Sample{"Photos 2024/Birthday/IMG_1040.jpg", 2'990'442, 33, 170},
+    Sample{"Photos 2024/Birthday/VID_1041.mp4", 380'220'416, 34, 170},
+    Sample{"Photos 2024 (copy)/Norway/IMG_1001.jpg", 4'112'331, 30, 150},
+    Sample{"Photos 2024 (copy)/Norway/IMG_1002.jpg", 3'871'204, 31, 150},
+    Sample{"Photos 2024 (copy)/Norway/IMG_1003.jpg", 5'002'118, 32, 151},
+    Sample{"Photos 2024 (copy)/Birthday/IMG_1040.jpg", 2'990'442, 33, 170},
+    Sample{"Photos 2024 (copy)/Birthday/VID_1041.mp4", 380'220'416, 34, 170},
+    Sample{"Desktop/IMG_1003.jpg", 5'002'118, 32, 152},
+    Sample{"Letters/Anna.odt", 48'204, 35, 12},
+    Sample{"Letters/Bank.odt", 51'300, 36, 13},
+    Sample{"Old laptop/Letters/Anna.odt", 48'204, 35, 12},
+    Sample{"Old laptop/Letters/Bank.odt", 51'300, 36, 13},
+    Sample{"Music/Aria.mp3", 31'204'118, 37, 75},
+    Sample{"Music/Chorale.mp3", 22'402'118, 38, 76},
+    Sample{"Music/Fugue.mp3", 18'904'118, 39, 77},
+    Sample{"Old laptop/Songs/Aria.mp3", 31'204'118, 37, 75},
+    Sample{"Old laptop/Songs/Chorale.mp3", 22'402'118, 38, 76},
+    Sample{"Old laptop/Songs/Fugue.mp3", 18'904'118, 39, 77},
+    Sample{"Old laptop/Songs/Waltz.mp3", 6'104'118, 40, 78},
+};
+
 constexpr std::array tidyHome{
     Sample{"Report.odt", 48'204, 20, 30},
     Sample{"Plan.odt", 51'300, 21, 31},
@@ -171,7 +197,9 @@ bool SampleFolder::take() {
 }
 
 bool SampleFolder::fill() const {
-    if (!makeFiles(family(), orrinvale::family) || !makeFiles(tidy(), tidyHome)) return false;
+    if (!makeFiles(family(), orrinvale::family) || !makeFiles(tidy(), tidyHome) ||
+        !makeFiles(attic(), orrinvale::attic))
+        return false;
     const std::string lake = paintedLake().toStdString();
     constexpr int midsummer = 171;
     return makeFile(family() + "/Phone/DCIM/Lake in the evening.png", lake, lake.size(),
@@ -181,6 +209,7 @@ bool SampleFolder::fill() const {
 
 std::string SampleFolder::family() const { return fmt::format("{}/Family", place); }
 std::string SampleFolder::tidy() const { return fmt::format("{}/Tidy", place); }
+std::string SampleFolder::attic() const { return fmt::format("{}/Attic", place); }
 std::string SampleFolder::painting() const {
     return family() + "/Pictures/Norway/Lake in the evening.png";
 }

@@ -22,6 +22,7 @@ public:
 
     [[nodiscard]] std::string family() const;    ///< with copies of every kind
     [[nodiscard]] std::string tidy() const;      ///< without any
+    [[nodiscard]] std::string attic() const;     ///< with folders that are equal as wholes
     [[nodiscard]] std::string painting() const;  ///< a picture to look at
     [[nodiscard]] std::string settings() const;  ///< where a settings file may go
 

@@ -89,6 +89,7 @@ QSet<QString> wantedScenes(const Order& order) {
     if (order.isDark && !order.isLarge)
         return {QStringLiteral("first"),      QStringLiteral("progress"),
                 QStringLiteral("detail"),     QStringLiteral("question"),
+                QStringLiteral("folders"),    QStringLiteral("partly"),
                 QStringLiteral("failure"),    QStringLiteral("menu"),
                 QStringLiteral("free-space"), QStringLiteral("tray-menu"),
                 QStringLiteral("uninstall"),  QStringLiteral("preferences"),

@@ -5,6 +5,7 @@
 
 #include "engine/base/Log.h"
 #include "engine/duplicates/LinkPlaces.h"
+#include "engine/duplicates/folders/FolderRows.h"
 
 namespace orrinvale {
 namespace {
@@ -60,7 +61,8 @@ void setPlace(SimpleNodeData& leaf, const LinkPlaces::Place* place) {
     else leaf.setPlace(place->target);
 }
 
-void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicateFind& search) {
+void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicateFind& search,
+               const FolderRows& folders) {
     const LinkPlaces* const places = search.linkPlaces();
     bool isProtected = true;
     auto add = [&](const std::string& name, std::uint64_t size, IconRequest icon,
@@ -80,6 +82,7 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicat
         leaf->setProtected(search.isProtected(*bundle));
         isProtected &= leaf->isProtected();
         leaf->setBundleDigest(bundle->digest);
+        folders.tie(*leaf, nullptr);
         if (places != nullptr) setPlace(*leaf, places->of(*bundle));
     }
     for (const fileAttrbItem* file : group.files) {
@@ -90,6 +93,7 @@ void addLeaves(SimpleTreeNode& node, const DuplicateGroup& group, const duplicat
         leaf->setRecalled(file->isRecalled);
         leaf->setProtected(search.isProtected(*file));
         isProtected &= leaf->isProtected();
+        folders.tie(*leaf, file);
         if (places != nullptr) setPlace(*leaf, places->of(*file));
     }
     simpleData(node)->setProtected(isProtected);
@@ -197,13 +201,19 @@ bool DuplicateFilesOpt::getDuplicateFiles(std::shared_ptr<SimpleTreeNode>* root)
     m_findAppArray.insert(m_findAppArray.end(), bundles.begin(), bundles.end());
 
     auto top = SimpleTreeNode::treeNodeWithData(SimpleNodeData::groupDataWithName("Root"));
+    FolderRows folders(*search);
+    folders.addTo(*top);
+    auto place = static_cast<std::uint32_t>(top->numberOfChildren());
     const auto addGroup = [&](const DuplicateGroup& group) {
+        ++place;
+        if (folders.areTold(group)) return;
         auto data = SimpleNodeData::groupDataWithName(std::string(group.name));
         data->setExtendName(std::string(group.extension));
         data->setIconRep(IconRequest{IconRequest::FileType, std::string(group.extension)});
         data->setFileSize(group.size);
+        data->setFoundAs(place);
         auto node = SimpleTreeNode::treeNodeWithData(std::move(data));
-        addLeaves(*node, group, *search);
+        addLeaves(*node, group, *search, folders);
         top->insertChild(std::move(node), top->numberOfChildren());
     };
     visitBundles(m_findAppArray, addGroup);

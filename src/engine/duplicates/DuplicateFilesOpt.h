@@ -69,9 +69,10 @@ public:
     /// Also before the search has begun: it then ends at once.
     void stopSearch();
 
-    /// Builds the result tree: a root named "Root", bundle groups, then file groups in order of
-    /// discovery, each with its leaves. False, with nothing stored, when nothing was found. A
-    /// second call would show everything twice.
+    /// Builds the result tree: a root named "Root", groups of equal folders where the search was
+    /// asked for them, bundle groups, then file groups in order of discovery, each with its leaves;
+    /// what equal folders tell of is no group of its own. False, with nothing stored, when nothing
+    /// was found. A second call would show everything twice.
     bool getDuplicateFiles(std::shared_ptr<SimpleTreeNode>* root);
 
     /// Calls the visitor for each group in the order of the tree, with the leaves in the order of

@@ -51,33 +51,43 @@ void LinkPlaces::addPlain(const fileAttrbItem& file) {
     m_places.insert_or_assign(&file, Place{joinPath(root->real, below), false, false});
 }
 
-// A bundle that lies where its path says is the folder that is searched, with the rest of the path
-// behind it.
-void LinkPlaces::find(const std::vector<AppGroup>& groups) {
-    const auto liesAsItSays = [this](const std::string& path) {
-        const auto root = std::ranges::find_if(
-            m_roots, [&](const Root& each) { return isWithin(path, each.path); });
-        if (root == m_roots.end()) return false;
-        const auto real = m_files.resolved(path);
-        const bool isBelow = path.size() > root->path.size();
-        const std::string plain =
-            isBelow ? joinPath(root->real, path.substr(root->path.size())) : root->real;
-        return !isBelow || (real && plainPath(plain) == *real);
-    };
-    for (const AppGroup& group : groups)
-        for (const auto& bundle : group)
-            if (const std::string& path = bundle->DirectoryPathName; !liesAsItSays(path))
-                add(bundle.get(), path);
-            else if (auto real = m_files.resolved(path); real && *real != path)
-                m_places.insert_or_assign(bundle.get(), Place{std::move(*real), false, false});
+// What lies where its path says is the folder that is searched, with the rest of the path behind
+// it.
+bool LinkPlaces::liesAsItSays(const std::string& path) const {
+    const auto root =
+        std::ranges::find_if(m_roots, [&](const Root& each) { return isWithin(path, each.path); });
+    if (root == m_roots.end()) return false;
+    const auto real = m_files.resolved(path);
+    const bool isBelow = path.size() > root->path.size();
+    const std::string plain =
+        isBelow ? joinPath(root->real, path.substr(root->path.size())) : root->real;
+    return !isBelow || (real && plainPath(plain) == *real);
 }
 
-void LinkPlaces::add(const void* found, const std::string& path) {
+void LinkPlaces::find(const std::vector<AppGroup>& groups) {
+    for (const AppGroup& group : groups)
+        for (const auto& bundle : group)
+            if (auto place = placeAt(bundle->DirectoryPathName))
+                m_places.insert_or_assign(bundle.get(), std::move(*place));
+}
+
+std::optional<LinkPlaces::Place> LinkPlaces::placeAt(const std::string& folder) const {
+    if (!liesAsItSays(folder)) return behindLink(folder);
+    auto real = m_files.resolved(folder);
+    if (!real || *real == folder) return std::nullopt;
+    return Place{std::move(*real), false, false};
+}
+
+LinkPlaces::Place LinkPlaces::behindLink(const std::string& path) const {
     const auto real = m_files.resolved(path);
     const bool outside = !real || std::ranges::none_of(m_roots, [&](const Root& root) {
         return isWithin(*real, root.real);
     });
-    m_places.insert_or_assign(found, Place{real.value_or(std::string()), outside, true});
+    return Place{real.value_or(std::string()), outside, true};
+}
+
+void LinkPlaces::add(const void* found, const std::string& path) {
+    m_places.insert_or_assign(found, behindLink(path));
 }
 
 const LinkPlaces::Place* LinkPlaces::placeOf(const void* found) const {

@@ -2,6 +2,7 @@
 // that is searched has a link in it.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -36,7 +37,13 @@ public:
     [[nodiscard]] const Place* of(const fileAttrbItem& file) const { return placeOf(&file); }
     [[nodiscard]] const Place* of(const AppAttrbItem& bundle) const { return placeOf(&bundle); }
 
+    /// The same of a folder, which is asked of the disk; nothing for one that lies where its path
+    /// says.
+    [[nodiscard]] std::optional<Place> placeAt(const std::string& folder) const;
+
 private:
+    [[nodiscard]] bool liesAsItSays(const std::string& path) const;
+    [[nodiscard]] Place behindLink(const std::string& path) const;
     [[nodiscard]] const Place* placeOf(const void* found) const;
     void add(const void* found, const std::string& path);
     void addPlain(const fileAttrbItem& file);

@@ -1,6 +1,7 @@
 // _searchDuplicateFile() names the steps of a search.
 #include "engine/duplicates/duplicateFind.h"
 
+#include <chrono>
 #include <new>
 
 #include "engine/base/Log.h"
@@ -38,6 +39,7 @@ void duplicateFind::searchDuplicateFileAtPath(const std::string& path, std::uint
 
 void duplicateFind::search(const SearchRequest& request) {
     m_request = request;
+    const auto began = std::chrono::system_clock::now().time_since_epoch();
     m_roots = findRoots(m_files, request.roots,
                         {request.filter, m_bSearchHiddenFile, m_bSearchSystemDirectory});
     if (m_roots.roots.empty()) {
@@ -52,6 +54,8 @@ void duplicateFind::search(const SearchRequest& request) {
         m_linkPlaces = std::make_unique<LinkPlaces>(m_files, m_roots.roots);
         result = _searchDuplicateFile();
         findFolders();
+        m_foundFolders.searched =
+            std::chrono::duration_cast<std::chrono::nanoseconds>(began).count();
         findLinkPlaces();
         findProtected();
         m_guard.reset();

@@ -14,21 +14,17 @@ constexpr float kAlarm = 0.1F;
 
 const SettingValues& registered() {
     using Int = std::int64_t;
-    static const auto* const values =
-        new SettingValues{{ZvSpaceAlarmKey, kAlarm},    {ZvMemoryAlarmKey, kAlarm},
-                          {ZvSystemCachesKey, true},    {ZvUserCachesKey, true},
-                          {ZvSystemLogsKey, true},      {ZvUserLogsKey, true},
-                          {ZvUserTrashKey, false},      {ZvUserDownloadsKey, false},
-                          {ZvLoginItemIsHide, false},   {ZvLoginCheckKey, Int{0}},
-                          {ZvMyMacClicked, Int{1}},     {ZvLastClickRow, Int{0}},
-                          {ZvToobarItem, Int{0}},       {ZvToobarItem_app, Int{0}},
-                          {ZvDuplicationLimit, Int{0}}, {ZvDuplicatesUnit, Int{2}},
-                          {ZvHidenDuplication, false},  {ZvSystemDuplication, false},
-                          {ZvShowStatusItem, false},    {ZvDiskUsageLimit, Int{1}},
-                          {ZvDiskUsageUnit, Int{2}},    {compareBeforeRemovingKey, true},
-                          {rememberContentsKey, true},  {trashFirstKey, false},
-                          {spaceWarningsKey, true},     {oneFileSystemKey, true},
-                          {rememberScansKey, true},     {logKey, false}};
+    static const auto* const values = new SettingValues{
+        {ZvSpaceAlarmKey, kAlarm},        {ZvMemoryAlarmKey, kAlarm},  {ZvSystemCachesKey, true},
+        {ZvUserCachesKey, true},          {ZvSystemLogsKey, true},     {ZvUserLogsKey, true},
+        {ZvUserTrashKey, false},          {ZvUserDownloadsKey, false}, {ZvLoginItemIsHide, false},
+        {ZvLoginCheckKey, Int{0}},        {ZvMyMacClicked, Int{1}},    {ZvLastClickRow, Int{0}},
+        {ZvToobarItem, Int{0}},           {ZvToobarItem_app, Int{0}},  {ZvDuplicationLimit, Int{0}},
+        {ZvDuplicatesUnit, Int{2}},       {ZvHidenDuplication, false}, {ZvSystemDuplication, false},
+        {ZvShowStatusItem, false},        {ZvDiskUsageLimit, Int{1}},  {ZvDiskUsageUnit, Int{2}},
+        {compareBeforeRemovingKey, true}, {rememberContentsKey, true}, {trashFirstKey, false},
+        {wholeFoldersKey, false},         {gainFirstKey, false},       {spaceWarningsKey, true},
+        {oneFileSystemKey, true},         {rememberScansKey, true},    {logKey, false}};
     return *values;
 }
 

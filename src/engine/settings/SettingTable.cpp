@@ -38,6 +38,8 @@ constexpr std::array table{
     SettingRule{compareBeforeRemovingKey, Form::Switch},
     SettingRule{rememberContentsKey, Form::Switch},
     SettingRule{trashFirstKey, Form::Switch},
+    SettingRule{wholeFoldersKey, Form::Switch},
+    SettingRule{gainFirstKey, Form::Switch},
     SettingRule{ZvDiskUsageLimit, Form::Number, 0, mostTyped},
     SettingRule{ZvDiskUsageUnit, Form::Number, 0, lastUnit},
     SettingRule{oneFileSystemKey, Form::Switch},

@@ -58,6 +58,11 @@ inline constexpr const char* compareBeforeRemovingKey = "compareBeforeRemoving";
 /// Boolean: the duplicate page offers the trash first, and the removal for good second.
 inline constexpr const char* trashFirstKey = "trashFirst";
 
+/// Boolean: the duplicate page tells of folders that are equal as wholes, in place of their files.
+inline constexpr const char* wholeFoldersKey = "wholeFolders";
+/// Boolean: its groups stand in the order of what their removal gives.
+inline constexpr const char* gainFirstKey = "gainFirst";
+
 /// Boolean: searches for duplicates remember hashes of what they read, see HashCache.
 inline constexpr const char* rememberContentsKey = "rememberContents";
 

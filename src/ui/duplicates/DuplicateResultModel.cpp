@@ -13,6 +13,7 @@
 #include "engine/text/UtilityFunction.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/lists/columnWidths.h"
+#include "ui/kit/look/picture.h"
 
 namespace orrinvale {
 namespace {
@@ -51,6 +52,16 @@ QStringList specialsOf(const SimpleNodeData& data) {
                                ? DuplicateResultModel::tr("Reached through a link")
                                : DuplicateResultModel::tr("Reached through a link; it lies at %1")
                                      .arg(QString::fromStdString(data.linkTarget())));
+    if (const FolderFacts* const folder = data.wholeFolder())
+        specials.push_back(
+            folder->files == 1
+                ? DuplicateResultModel::tr("A folder with 1 file, which goes or stays as a whole")
+                : DuplicateResultModel::tr(
+                      "A folder with %Ln files, which goes or stays as a whole", nullptr,
+                      static_cast<int>(folder->files)));
+    if (const SimpleNodeData* const folder = goingFolderOf(data))
+        specials.push_back(DuplicateResultModel::tr("Goes with the folder %1")
+                               .arg(QString::fromStdString(folder->name())));
     if (data.hardLinks() > 1)
         specials.push_back(DuplicateResultModel::tr(
             "One file with %Ln names; its space is free when all of them are gone", nullptr,
@@ -69,9 +80,19 @@ QString countText(const TreeNode& node) {
     return QString::fromStdString(data.showSelectNumStr());
 }
 
-QString nameOf(const TreeNode& node) { return QString::fromStdString(simpleData(node)->name()); }
+QString nameOf(const TreeNode& node) {
+    const SimpleNodeData& data = *simpleData(node);
+    const QString name = QString::fromStdString(data.name());
+    const FolderFacts* const folders = data.isGroup() ? data.wholeFolder() : nullptr;
+    if (folders == nullptr) return name;
+    return folders->files == 1 ? DuplicateResultModel::tr("%1, 1 file each").arg(name)
+                               : DuplicateResultModel::tr("%1, %Ln files each", nullptr,
+                                                          static_cast<int>(folders->files))
+                                     .arg(name);
+}
 
 QIcon iconOf(const TreeNode& node, const DuplicateResultModel::IconSource& icons) {
+    if (simpleData(node)->wholeFolder() != nullptr) return picture(QStringLiteral("folder"));
     const auto& request = simpleData(node)->iconRep();
     return request && icons ? icons(*request) : QIcon();
 }
@@ -199,13 +220,14 @@ Qt::ItemFlags DuplicateResultModel::flags(const QModelIndex& index) const {
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     if (!isTopLevel(index)) flags |= Qt::ItemNeverHasChildren;
     const TreeNode* const row = rowAt(index);
-    const bool mayTick = row != nullptr && !simpleData(*row)->isProtected();
+    const bool mayTick = row != nullptr && stateOf(*row).has_value();
     if (index.column() == Checkbox && mayTick) flags |= Qt::ItemIsUserCheckable;
     return flags;
 }
 
 std::optional<TickState> DuplicateResultModel::stateOf(const TreeNode& node) const {
-    if (simpleData(node)->isProtected()) return std::nullopt;
+    if (simpleData(node)->isProtected() || goingFolderOf(*simpleData(node)) != nullptr)
+        return std::nullopt;
     return tickState(QVariant(simpleData(node)->selectNum()));
 }
 
@@ -228,6 +250,10 @@ QStringList DuplicateResultModel::signsOf(const TreeNode& node) const {
 
 bool DuplicateResultModel::isStrong(const TreeNode& node) const {
     return simpleData(node)->isGroup();
+}
+
+bool DuplicateResultModel::isGrey(const TreeNode& node) const {
+    return goingFolderOf(*simpleData(node)) != nullptr;
 }
 
 bool DuplicateResultModel::clickBox(const QModelIndex& index) {

@@ -47,6 +47,7 @@ protected:
     [[nodiscard]] QString folderOf(const TreeNode& node) const override;
     [[nodiscard]] QStringList signsOf(const TreeNode& node) const override;
     [[nodiscard]] bool isStrong(const TreeNode& node) const override;
+    [[nodiscard]] bool isGrey(const TreeNode& node) const override;
     bool clickBox(const QModelIndex& index) override;
 
 private:

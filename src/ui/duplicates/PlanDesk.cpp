@@ -115,9 +115,11 @@ void PlanDesk::save(QWidget* window, DuplicatePlan plan,
     if (window == nullptr || m_sheet != nullptr || m_isDrafting) return;
     m_isDrafting = true;
     const auto whole = std::make_shared<DuplicatePlan>(std::move(plan));
-    const auto draft = [whole, search = std::move(search)] {
+    const auto draft = [whole, search = std::move(search), files = m_services.files] {
         Draft made;
+        const std::size_t folders = search ? addListings(*whole, *files, *search) : 0;
         made.left = takeOutUnplannable(*whole);
+        made.left.folders = folders;
         if (search) addContents(*whole, *search);
         made.sums = sumsOf(*whole);
         made.plan = whole;

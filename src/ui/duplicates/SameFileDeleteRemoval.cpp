@@ -39,6 +39,16 @@ std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
         files, ticked, compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
 }
 
+// What undo needs to know of what goes.
+DuplicatePlan notedPlan(const RemovalPlan& plan, const PlanOrigin& origin,
+                        const DuplicateFilesOpt& search, const FileSystem& files) {
+    std::vector<TreeNode::Pointer> leaves;
+    for (std::size_t i = 0; i < plan.size(); ++i) leaves.push_back(plan.leaf(i));
+    DuplicatePlan noted = planOfTicks(leaves, origin);
+    noteListings(noted, files, search);
+    return noted;
+}
+
 }  // namespace
 
 void SameFileDeleteViewController::alertEnded_aContext(int code) {
@@ -77,14 +87,10 @@ void SameFileDeleteViewController::delDuplicateItems() {
     m_removal->plan = planOf(*m_parts.files, m_removal->ticked);
     std::shared_ptr<RemovalList> list = m_removal->plan;
     if (m_removal->isToTrash)
-        list = m_removal->undoable =
-            std::make_shared<UndoableRemoval>(*m_parts.files, m_parts.stateFolder, m_removal->plan,
-                                              [plan = m_removal->plan, origin = planOrigin()] {
-                                                  std::vector<TreeNode::Pointer> leaves;
-                                                  for (std::size_t i = 0; i < plan->size(); ++i)
-                                                      leaves.push_back(plan->leaf(i));
-                                                  return planOfTicks(leaves, origin);
-                                              });
+        list = m_removal->undoable = std::make_shared<UndoableRemoval>(
+            *m_parts.files, m_parts.stateFolder, m_removal->plan,
+            [plan = m_removal->plan, origin = planOrigin(), search = m_duplicateOpt,
+             files = m_parts.files] { return notedPlan(*plan, origin, *search, *files); });
     m_removal->job = std::make_unique<RemovalJob>(
         RemovalJob::Parts{m_parts.files, m_parts.mainQueue,
                           doorOf(*m_parts.files, m_removal->isToTrash), m_parts.stateFolder},

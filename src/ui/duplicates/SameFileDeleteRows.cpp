@@ -9,6 +9,7 @@
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
 #include "ui/duplicates/duplicatePreview.h"
+#include "ui/kit/look/picture.h"
 #include "ui/page/rowMenu.h"
 
 namespace orrinvale {
@@ -101,6 +102,7 @@ void SameFileDeleteViewController::finishSorting() {
 }
 
 QIcon SameFileDeleteViewController::iconOf(const TreeNode& node) const {
+    if (simpleData(node)->wholeFolder() != nullptr) return picture(QStringLiteral("folder"));
     const auto& request = simpleData(node)->iconRep();
     return request && m_parts.icons ? m_parts.icons(*request) : QIcon();
 }
@@ -112,7 +114,7 @@ void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint 
                                     {.preview = [this] { openFinderBtnClicked(); },
                                      .reveal = [this] { RevealInFinderBtnClicked(); },
                                      .path = [path = pathOf(index)] { return path; }});
-    if (simpleData(*node)->isLeaf())
+    if (simpleData(*node)->isLeaf() && holdOf(*simpleData(*node)) != FolderHold::Goes)
         menu->addAction(
             tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {
                 if (!bSearchFinished() || number != m_resultNumber || leaf->nodeParent() == nullptr)

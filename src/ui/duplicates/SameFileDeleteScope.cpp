@@ -114,8 +114,13 @@ void SameFileDeleteViewController::searchScope(const SearchScope& scope) {
     auto request = scope.request();
     if (!bSearchFinished() || !request || request->roots.empty()) return;
     m_lastScope = scope;
-    updatePathString(request->roots.front());
-    m_request = std::move(*request);
+    searchRequest(std::move(*request));
+}
+
+void SameFileDeleteViewController::searchRequest(SearchRequest request) {
+    if (!bSearchFinished()) return;
+    updatePathString(request.roots.front());
+    m_request = std::move(request);
     for (QLabel* const label : {m_views->onlyOneLabel, static_cast<QLabel*>(m_views->onlyOneNote)})
         label->hide();
     searchBtnClicked();

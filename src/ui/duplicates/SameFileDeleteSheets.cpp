@@ -28,6 +28,7 @@ constexpr QKeyCombination openPlanKeys = Qt::CTRL | Qt::SHIFT | Qt::Key_P;
 constexpr QKeyCombination historyKeys = Qt::CTRL | Qt::Key_H;
 constexpr QKeyCombination saveKeys = Qt::CTRL | Qt::Key_S;
 constexpr QKeyCombination againKeys = Qt::CTRL | Qt::Key_R;
+constexpr QKeyCombination viewKeys = Qt::CTRL | Qt::Key_L;
 
 QMenu* newMoreMenu(QWidget* over) {
     auto* const menu = new QMenu(over);
@@ -95,6 +96,8 @@ void SameFileDeleteViewController::showWayMenu() {
     menu->addSeparator();
     addMoreEntry(*menu, tr("Search Again"), againKeys, *this,
                  &SameFileDeleteViewController::searchAgain);
+    addMoreEntry(*menu, tr("View\u2026"), viewKeys, *this,
+                 &SameFileDeleteViewController::showViewMenu);
     const QWidget& button = *m_views->otherWayBtn;
     const QSize size = menu->sizeHint();
     menu->popup(button.mapToGlobal(QPoint(button.width() - size.width(), -size.height())));

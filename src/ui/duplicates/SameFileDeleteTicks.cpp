@@ -25,6 +25,19 @@ QString toText(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// Files, and folders as wholes.
+QString selectedEntriesText(std::size_t selected) {
+    const int number = static_cast<int>(selected);
+    return number == 1
+               ? SameFileDeleteViewController::tr("selected 1 entry in All")
+               : SameFileDeleteViewController::tr("selected %n entries in All", nullptr, number);
+}
+
+QString entriesText(int count) {
+    return count == 1 ? SameFileDeleteViewController::tr("1 entry in %1")
+                      : SameFileDeleteViewController::tr("%n entries in %1", nullptr, count);
+}
+
 // "file" stands where there is nothing to count, and not with one.
 QString selectedText(std::size_t selected, bool isAnything) {
     const int number = static_cast<int>(selected);
@@ -67,15 +80,23 @@ void SameFileDeleteViewController::refViewBgColor(std::int32_t row) {
 
 void SameFileDeleteViewController::showSelectCountWithFileCount(std::size_t count,
                                                                 const QString& pathName) {
-    m_viewCount = tr("%n files in %1", nullptr, static_cast<int>(count)).arg(pathName);
-    m_views->titleLabel->setText(
-        titleText(m_viewCount, selectedText(m_selection.sums().copies, count != 0)));
+    const auto number = static_cast<int>(count);
+    m_viewCount =
+        (m_results.hasWholeFolders() ? entriesText(number) : tr("%n files in %1", nullptr, number))
+            .arg(pathName);
+    m_views->titleLabel->setText(titleText(m_viewCount, selectedWords(count != 0)));
     m_views->titleLabel->setToolTip(m_viewCount);
 }
 
 void SameFileDeleteViewController::setSelectCount() {
+    m_views->titleLabel->setText(
+        titleText(m_viewCount, selectedWords(m_selection.sums().copies != 0)));
+}
+
+QString SameFileDeleteViewController::selectedWords(bool isAnything) const {
     const std::size_t selected = m_selection.sums().copies;
-    m_views->titleLabel->setText(titleText(m_viewCount, selectedText(selected, selected != 0)));
+    return m_results.hasWholeFolders() ? selectedEntriesText(selected)
+                                       : selectedText(selected, isAnything);
 }
 
 void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node,
@@ -124,6 +145,7 @@ void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::
         !bSearchFinished())
         return;
     m_selection.tickLast(leaf);
+    m_selection.clearGoing(m_results.inFolders());
     changeAllSelectCheckBoxState();
     m_model->refresh();
     fly(leaf);
@@ -145,6 +167,7 @@ void SameFileDeleteViewController::callBackDeleteItemWithIndex() {
 }
 
 void SameFileDeleteViewController::setRemoveButtonState() {
+    m_selection.clearGoing(m_results.inFolders());
     m_views->stopBtn->setEnabled(bSearchFinished() && !m_selection.allSelectNumArr().empty());
     showGain();
     showPreview(*m_views, *m_model);  // another copy may be the one that stays

@@ -74,6 +74,7 @@ QStringList SameFileDeleteViewController::consequences() const {
     if (outside == 1) lines << tr("1 of them lies outside of the folder that was searched.");
     else if (outside > 1)
         lines << tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
+    if (const QString folders = folderConsequence(); !folders.isEmpty()) lines << folders;
     int whole = 0;
     if (const TreeNode* const all = m_results.tree(0))
         for (std::size_t i = 0; i < all->numberOfChildren(); ++i)
@@ -88,10 +89,12 @@ Alert SameFileDeleteViewController::questionAboutTicked(bool isToTrash) const {
     const auto count = static_cast<int>(sums.copies);
     const QString size = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
     QStringList lines = consequences();
+    const bool areFiles = tickedFolders().folders == 0;
     Alert question = removalQuestion();
     if (isToTrash) {
-        question.title = count == 1 ? tr("Move 1 file to the trash?")
-                                    : tr("Move %Ln files to the trash?", nullptr, count);
+        question.title = !areFiles    ? entriesQuestion(true, count)
+                         : count == 1 ? tr("Move 1 file to the trash?")
+                                      : tr("Move %Ln files to the trash?", nullptr, count);
         question.isDestructive = false;
         question.severity = Alert::Severity::Information;
         question.buttons.front() = tr("Move to Trash");
@@ -99,8 +102,9 @@ Alert SameFileDeleteViewController::questionAboutTicked(bool isToTrash) const {
                           .arg(size));
     } else {
         question.buttons << tr("Move to Trash");
-        lines.prepend((count == 1 ? tr("1 file, %1, goes for good.")
-                                  : tr("%Ln files, %1, go for good.", nullptr, count))
+        lines.prepend((!areFiles    ? entriesQuestion(false, count)
+                       : count == 1 ? tr("1 file, %1, goes for good.")
+                                    : tr("%Ln files, %1, go for good.", nullptr, count))
                           .arg(size));
     }
     question.text = lines.join(QLatin1Char('\n'));
@@ -174,15 +178,18 @@ void SameFileDeleteViewController::undoEnded(const UndoErrand::Result& result) {
 }
 
 void SameFileDeleteViewController::searchAgain() {
-    if (!bSearchFinished()) return;
-    const auto begin = [this] {
+    whenTicksMayGo([this] {
         if (!bSearchFinished()) return;
         searchBtnClicked();
         forwardViewForAnimation();
-    };
+    });
+}
+
+void SameFileDeleteViewController::whenTicksMayGo(std::function<void()> then) {
+    if (!bSearchFinished()) return;
     finishTicks();
     if (m_selection.allSelectNumArr().empty()) {
-        begin();
+        then();
         return;
     }
     Alert question;
@@ -190,9 +197,10 @@ void SameFileDeleteViewController::searchAgain() {
     question.text = tr("What is ticked here is forgotten, and nothing is removed.");
     question.buttons = QStringList{tr("Search"), tr("Cancel")};
     question.cancelButton = 1;
-    m_parts.dialogs->alert(m_mainWindow, question, [self = QPointer(this), begin](int button) {
-        if (self != nullptr && button == 0) begin();
-    });
+    m_parts.dialogs->alert(m_mainWindow, question,
+                           [self = QPointer(this), then = std::move(then)](int button) {
+                               if (self != nullptr && button == 0) then();
+                           });
 }
 
 }  // namespace orrinvale

@@ -140,6 +140,7 @@ void SameFileDeleteViewController::connectControls() {
     onKey(Qt::CTRL | Qt::Key_Z, &Self::undoBtnClicked);
     onKey(Qt::CTRL | Qt::Key_R, &Self::searchAgain);
     onKey(Qt::CTRL | Qt::Key_K, &Self::showKeepMenu);
+    onKey(Qt::CTRL | Qt::Key_L, &Self::showViewMenu);
     onKey(Qt::CTRL | Qt::Key_S, &Self::savePlan);
     views.detailView->installEventFilter(this);
     connect(views.stopRemoveBtn, &QAbstractButton::clicked, this, &Self::stopRemoveBtnClicked);
@@ -276,14 +277,17 @@ void SameFileDeleteViewController::searchBtnClicked() {
                                        m_parts.defaults->integerForKey(ZvDuplicatesUnit));
     if (!m_parts.stateFolder.empty() && m_parts.defaults->boolForKey(rememberContentsKey))
         request.cache = std::make_shared<HashCache>(hashCachePath());
+    request.findsFolders = m_parts.defaults->boolForKey(wholeFoldersKey);
     m_twDuplicateSearch = runAside(
         this, "searchDuplicateFiles:worker:",
-        [search = m_duplicateOpt, request = std::move(request), old] {
+        [search = m_duplicateOpt, request = std::move(request), old,
+         isGainFirst = m_parts.defaults->boolForKey(gainFirstKey)] {
             old->free();
             search->beginSearch(request);
             std::shared_ptr<SimpleTreeNode> all;
             ResultViews found;  // sorted into its views where the search runs: nothing shows it yet
             if (search->getDuplicateFiles(&all)) found.setResult(std::move(all));
+            orderResult(found, isGainFirst);
             return found;
         },
         [this](ResultViews found) { searchFinished(std::move(found)); });

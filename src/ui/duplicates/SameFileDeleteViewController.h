@@ -1,9 +1,9 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Eight sources: this class's
+// SameFileDeleteViewController: the page of the duplicate finder. Nine sources: this class's
 // search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteKeeping.cpp the ticks of
 // whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteTrash.cpp
 // the way to the trash and back, SameFileDeleteSheets.cpp plans and history,
-// SameFileDeleteRows.cpp what is done with one row. The decisions stand in
-// engine/duplicates/results.
+// SameFileDeleteRows.cpp what is done with one row, SameFileDeleteFolders.cpp the look of the list.
+// The decisions stand in engine/duplicates/results.
 #pragma once
 
 #include <QIcon>
@@ -182,12 +182,14 @@ private:
     void saveScope(const SearchScope& scope);
     void changeScopes(const std::optional<SearchScope>& saved);
     void searchScope(const SearchScope& scope);
+    void searchRequest(SearchRequest request);
     void showCovered(const std::vector<CoveredRoot>& covered);
 
     // Boxes and titles.
     void refViewBgColor(std::int32_t row);
     void showSelectCountWithFileCount(std::size_t count, const QString& pathName);
     void setSelectCount();
+    [[nodiscard]] QString selectedWords(bool isAnything) const;
     void boxClicked(const TreeNode::Pointer& node, const QModelIndex& index);
     void setSelectState(const TreeNode::Pointer& leaf);
     void alertEnded_context(int code, const TreeNode::Pointer& leaf, std::uint64_t resultNumber);
@@ -206,6 +208,20 @@ private:
 
     // Ticks of a whole view.
     void showKeepMenu();
+    void showViewMenu();
+    void showFolders(bool on);
+    void orderBy(bool isGainFirst);
+    static void orderResult(const ResultViews& found, bool isGainFirst);
+    struct TickedFolders {
+        std::size_t folders = 0;
+        std::uint64_t files = 0;  // in all of them
+    };
+    [[nodiscard]] TickedFolders tickedFolders() const;
+    [[nodiscard]] const FolderFindings* foundFolders() const;
+    void showPartly();
+    [[nodiscard]] SearchRequest requestFor(const PartlyEqual& pair) const;
+    [[nodiscard]] QString folderConsequence() const;
+    [[nodiscard]] static QString entriesQuestion(bool isToTrash, int count);
     void keepBy(KeepRule rule);
     void chooseKeptFolder();
     [[nodiscard]] std::string folderOfRow(const QModelIndex& index) const;
@@ -222,6 +238,7 @@ private:
     [[nodiscard]] Alert questionAboutTicked(bool isToTrash) const;
     [[nodiscard]] QStringList consequences() const;
     [[nodiscard]] PlanOrigin planOrigin() const;
+    void whenTicksMayGo(std::function<void()> then);
     void undoEnded(const UndoErrand::Result& result);
 
     // Plans and history.

@@ -50,6 +50,11 @@ SavePlanPanel::SavePlanPanel(const PlanSums& sums, const LeftOutOfPlan& left, co
     else if (left.links > 1)
         lines << tr("%Ln links are left out: a plan removes no links.", nullptr,
                     static_cast<int>(left.links));
+    if (left.folders == 1)
+        lines << tr("1 folder is left out: what is in it has changed since the search.");
+    else if (left.folders > 1)
+        lines << tr("%Ln folders are left out: what is in them has changed since the search.",
+                    nullptr, static_cast<int>(left.folders));
     auto* const text = makeLabel("savePlanText", Theme::Text::Body, QPalette::PlaceholderText);
     text->setText(lines.join(QLatin1Char('\n')));
     text->setWordWrap(true);

@@ -53,6 +53,7 @@ struct FolderFindings {
     std::vector<FolderGroup> groups;  ///< in the order in which the listing met their first members
     std::vector<PartlyEqual> partly;  ///< what is shared most first
     std::unordered_map<const FolderNode*, std::uint32_t> classes;  ///< equal folders share one
+    std::int64_t searched = 0;  ///< when the search began, nanoseconds since 1970
 
     /// Whether the copies of a file are copies because their folders are: they stand in folders of
     /// one class, one in each.

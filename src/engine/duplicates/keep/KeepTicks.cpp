@@ -26,6 +26,8 @@ void KeepTicks::begin(TreeNode& tree, Decide decide) {
     finish();
     m_tree = &tree;
     m_next = 0;
+    m_wholeFolders = wholeFoldersOf(tree);
+    m_sparesCounterparts = false;
     m_decide = std::move(decide);
     m_folders.clear();
 }
@@ -44,6 +46,7 @@ void KeepTicks::keep(TreeNode& tree, KeepRules rules) {
         if (std::ranges::any_of(m_folders, isMet)) m_folders.clear();
     });
     m_folders = std::move(folders);
+    m_sparesCounterparts = true;
 }
 
 std::vector<std::string> KeepTicks::takeEmptyFolders() {
@@ -72,10 +75,12 @@ bool KeepTicks::step(std::chrono::steady_clock::time_point until) {
     if (m_tree == nullptr) return true;
     constexpr std::size_t atOnce = 1024;  // copies between two looks at the clock
     const std::size_t groups = m_tree->numberOfChildren();
+    for (TreeNode* const folders : std::exchange(m_wholeFolders, {})) decideGroup(*folders);
     do {  // at least a few, however late it is
         for (std::size_t copies = 0; m_next < groups && copies < atOnce; ++m_next) {
             expectGroups(*m_tree, m_next);
-            decideGroup(*m_tree->childAtIndex(m_next));
+            if (simpleData(*m_tree->childAtIndex(m_next))->wholeFolder() == nullptr)
+                decideGroup(*m_tree->childAtIndex(m_next));
             copies += m_tree->childAtIndex(m_next)->numberOfChildren();
         }
     } while (m_next < groups && std::chrono::steady_clock::now() < until);
@@ -89,14 +94,25 @@ void KeepTicks::decideGroup(TreeNode& group) {
     const std::size_t copies = group.numberOfChildren();
     m_members.clear();
     m_ticked.clear();
+    m_before.clear();
+    m_standing.clear();
     for (std::size_t i = 0; i < copies; ++i) {
         const SimpleNodeData& leaf = *simpleData(*group.childAtIndex(i));
+        m_before.push_back(leaf.selectNum() == 1 ? 1 : 0);
+        const FolderHold hold = leaf.folderTies() == nullptr ? FolderHold::Free : holdOf(leaf);
+        if (hold == FolderHold::Goes) continue;
+        m_standing.push_back(i);
         m_members.push_back(keepMemberOf(leaf));
-        m_ticked.push_back(leaf.selectNum() == 1 ? 1 : 0);
+        m_members.back().isProtected |= m_sparesCounterparts && hold == FolderHold::Stays;
+        m_ticked.push_back(m_before.back());
     }
-    m_before = m_ticked;
     m_decide(m_members, m_ticked);
-    if (m_ticked != m_before) m_selection.setTicks(group, m_ticked);
+    std::vector<std::uint8_t>& after = m_standing.size() == copies ? m_ticked : m_spread;
+    if (m_standing.size() != copies) {
+        m_spread.assign(copies, 0);
+        for (std::size_t i = 0; i < m_standing.size(); ++i) m_spread[m_standing[i]] = m_ticked[i];
+    }
+    if (after != m_before) m_selection.setTicks(group, after);
 }
 
 }  // namespace orrinvale

@@ -15,6 +15,9 @@
 
 namespace orrinvale {
 
+/// Folders are decided before the files in them: what lies in one that is ticked goes with it, and
+/// rules take nothing out of an equal one that stays.
+///
 /// Holds the tree by a plain pointer: finish() or drop() before it changes, is sorted, or a copy is
 /// ticked otherwise. Main thread only.
 class KeepTicks final {
@@ -47,13 +50,17 @@ private:
     void decideGroup(TreeNode& group);
 
     DuplicateSelection& m_selection;
-    TreeNode* m_tree = nullptr;  // not owned; null when nothing is left to do
-    std::size_t m_next = 0;      // the group
+    TreeNode* m_tree = nullptr;             // not owned; null when nothing is left to do
+    std::vector<TreeNode*> m_wholeFolders;  // groups of equal folders, decided before all others
+    std::size_t m_next = 0;                 // of all groups, behind those
+    bool m_sparesCounterparts = false;      // what lies in a folder that stays does
     Decide m_decide;
     std::vector<std::string> m_folders;  // of the first rule, until a copy in one is met
     std::vector<KeepMember> m_members;   // of the group in hand; kept for their room
     std::vector<std::uint8_t> m_ticked;
     std::vector<std::uint8_t> m_before;
+    std::vector<std::size_t> m_standing;  // places of the members in the group
+    std::vector<std::uint8_t> m_spread;   // ticks by these places
 };
 
 }  // namespace orrinvale

@@ -6,14 +6,16 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "engine/duplicates/folders/FolderRows.h"
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 
 namespace orrinvale {
 namespace {
 
-// Nothing of a copy that the search did not look at, which goes by no plan.
+// Nothing of a copy that the search did not look at, which goes by no plan, and of what goes with
+// its folder.
 std::optional<PlanMember> memberOfLeaf(const SimpleNodeData& leaf) {
-    if (!leaf.identity()) return std::nullopt;
+    if (!leaf.identity() || holdOf(leaf) == FolderHold::Goes) return std::nullopt;
     PlanMember member;
     member.path = leaf.name();
     member.size = leaf.fileSize();
@@ -22,6 +24,20 @@ std::optional<PlanMember> memberOfLeaf(const SimpleNodeData& leaf) {
     member.isProtected = leaf.isProtected();
     member.goes = leaf.selectNum() == 1 && !leaf.isProtected();
     return member;
+}
+
+// Of whole folders.
+std::unordered_map<std::string_view, FolderFacts> factsByPath(const DuplicateFilesOpt& search) {
+    std::unordered_map<std::string_view, FolderFacts> facts;
+    const auto state = search.search();
+    if (state == nullptr) return facts;
+    for (const FolderGroup& group : state->folders().groups)
+        for (const FolderMember& folder : group.members)
+            facts.emplace(folder.path, FolderFacts{.entries = group.entries,
+                                                   .files = group.files,
+                                                   .bytes = group.bytes,
+                                                   .searched = state->folders().searched});
+    return facts;
 }
 
 bool doesAnyGo(const PlanGroup& group) {
@@ -60,6 +76,32 @@ LeftOutOfPlan takeOutUnplannable(DuplicatePlan& plan) {
         return !doesAnyGo(group);
     });
     return left;
+}
+
+std::size_t addListings(DuplicatePlan& plan, const FileSystem& files,
+                        const DuplicateFilesOpt& search) {
+    const auto facts = factsByPath(search);
+    std::size_t changed = 0;
+    for (PlanGroup& group : plan.groups)
+        changed += std::erase_if(group.members, [&](PlanMember& member) {
+            const auto seen = facts.find(member.path);
+            if (seen == facts.end() || member.listing) return false;
+            member.listing = digestOfUnchanged(files, member.path, seen->second);
+            return !member.listing;
+        });
+    if (changed != 0)
+        std::erase_if(plan.groups, [](const PlanGroup& group) { return !doesAnyGo(group); });
+    return changed;
+}
+
+void noteListings(DuplicatePlan& plan, const FileSystem& files, const DuplicateFilesOpt& search) {
+    const auto facts = factsByPath(search);
+    if (facts.empty()) return;
+    for (PlanGroup& group : plan.groups)
+        for (PlanMember& member : group.members)
+            if (const auto seen = facts.find(member.path);
+                seen != facts.end() && member.goes && !member.listing)
+                member.listing = digestOfUnchanged(files, member.path, seen->second);
 }
 
 void addContents(DuplicatePlan& plan, const DuplicateFilesOpt& search) {

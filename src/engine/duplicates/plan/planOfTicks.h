@@ -17,12 +17,22 @@ namespace orrinvale {
 
 /// What faultOf() has against ticks that a person may set all the same.
 struct LeftOutOfPlan {
-    std::size_t groups = 0;  ///< of which all copies are ticked
-    std::size_t links = 0;   ///< that are ticked
+    std::size_t groups = 0;   ///< of which all copies are ticked
+    std::size_t links = 0;    ///< that are ticked
+    std::size_t folders = 0;  ///< that addListings() took out
 };
 
 /// Takes that out of a plan, and the groups of which nothing goes then.
 LeftOutOfPlan takeOutUnplannable(DuplicatePlan& plan);
+
+/// Adds what is in folders that are equal as wholes, which a search does not keep. Takes those out
+/// that are not any more what the search saw, and says how many; and groups of which nothing goes
+/// then. Asks the disk.
+std::size_t addListings(DuplicatePlan& plan, const FileSystem& files,
+                        const DuplicateFilesOpt& search);
+
+/// For undo: the same for folders that go, and leaves the rest of the plan as it is.
+void noteListings(DuplicatePlan& plan, const FileSystem& files, const DuplicateFilesOpt& search);
 
 /// Adds the hashes of the search that the ticks are of, as makePlan() has them. Not while it runs.
 void addContents(DuplicatePlan& plan, const DuplicateFilesOpt& search);

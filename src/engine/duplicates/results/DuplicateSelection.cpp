@@ -23,14 +23,38 @@ bool isProtectedCopy(const TreeNode::Pointer& leaf) {
            !(data.identity() && data.identity()->type == FileType::SymbolicLink);
 }
 
-// The copy that a click on a group leaves: a protected one where there is any, else the last. A
-// protected link is no copy.
+// Most leaves lie in none.
+FolderHold quickHold(const SimpleNodeData& leaf) {
+    return leaf.folderTies() == nullptr ? FolderHold::Free : holdOf(leaf);
+}
+
+bool isHeldAs(const TreeNode::Pointer& leaf, FolderHold hold) {
+    return quickHold(*simpleData(*leaf)) == hold;
+}
+
+// Neither a rule nor a box of many ticks it.
+bool isHeld(const SimpleNodeData& leaf) {
+    return leaf.isProtected() || quickHold(leaf) != FolderHold::Free;
+}
+
+// The copy that a click on a group leaves: a protected one where there is any, else one in a folder
+// that stays, else the last. A protected link is no copy, and neither is what goes with its folder.
 const TreeNode* copyThatStays(const TreeNode& group) {
     for (std::size_t i = group.numberOfChildren(); i-- > 0;)
         if (isProtectedCopy(group.childAtIndex(i))) return group.childAtIndex(i).get();
-    for (std::size_t i = group.numberOfChildren(); i-- > 0;)
-        if (!simpleData(*group.childAtIndex(i))->isProtected()) return group.childAtIndex(i).get();
+    for (const FolderHold hold : {FolderHold::Stays, FolderHold::Free})
+        for (std::size_t i = group.numberOfChildren(); i-- > 0;)
+            if (const TreeNode::Pointer& leaf = group.childAtIndex(i);
+                !simpleData(*leaf)->isProtected() && isHeldAs(leaf, hold))
+                return leaf.get();
     return group.lastChild().get();
+}
+
+std::size_t countGoing(const TreeNode& group) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
+        count += isHeldAs(group.childAtIndex(i), FolderHold::Goes) ? 1U : 0U;
+    return count;
 }
 
 }  // namespace
@@ -65,7 +89,7 @@ LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
     TreeNode& group = *leaf->nodeParent();
     SimpleNodeData& data = *simpleData(*leaf);
     const std::size_t copies = group.numberOfChildren();
-    if (data.isProtected()) return LeafClick::Protected;
+    if (data.isProtected() || quickHold(data) == FolderHold::Goes) return LeafClick::Protected;
     if (data.selectNum() == 1) {
         clear(data);
         m_ticked.remove(leaf.get());
@@ -74,14 +98,15 @@ LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
         return LeafClick::Cleared;
     }
     const std::size_t ticked = countTicked(group);
-    if (ticked + 1 >= copies) return LeafClick::Question;
+    if (ticked + 1 + countGoing(group) >= copies) return LeafClick::Question;
     tick(leaf);
     showGroup(group, 2, ticked + 1);
     return LeafClick::Ticked;
 }
 
 void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf) {
-    if (simpleData(*leaf)->selectNum() == 1 || simpleData(*leaf)->isProtected()) return;
+    const SimpleNodeData& data = *simpleData(*leaf);
+    if (data.selectNum() == 1 || data.isProtected() || quickHold(data) == FolderHold::Goes) return;
     tick(leaf);
     TreeNode& group = *leaf->nodeParent();
     const std::size_t ticked = countTicked(group);
@@ -109,7 +134,7 @@ void DuplicateSelection::tickAllBut(const TreeNode& leaf) {
         if (child.get() == &leaf) {
             clear(data);
             m_ticked.remove(child.get());
-        } else if (!data.isProtected()) {
+        } else if (!isHeld(data)) {
             if (data.selectNum() != 1) tick(child);
             ++ticked;
         } else {
@@ -127,7 +152,8 @@ void DuplicateSelection::setTicks(TreeNode& group, std::span<const std::uint8_t>
     for (std::size_t i = 0; i < copies; ++i) {
         const TreeNode::Pointer& leaf = group.childAtIndex(i);
         SimpleNodeData& data = *simpleData(*leaf);
-        const bool isTicked = ticked[i] != 0 && !data.isProtected();
+        const bool isTicked =
+            ticked[i] != 0 && !data.isProtected() && quickHold(data) != FolderHold::Goes;
         if (!isTicked) clear(data);
         else if (data.selectNum() != 1) tick(leaf);
         count += isTicked ? 1U : 0U;
@@ -148,6 +174,8 @@ void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {
 
 void DuplicateSelection::setAll(TreeNode& tree, bool on) {
     const std::size_t groups = tree.numberOfChildren();
+    if (on)
+        for (TreeNode* const folders : wholeFoldersOf(tree)) tickInHeader(*folders);
     for (std::size_t g = 0; g < groups; ++g) {
         expectGroups(tree, g);
         TreeNode& group = *tree.childAtIndex(g);
@@ -155,21 +183,48 @@ void DuplicateSelection::setAll(TreeNode& tree, bool on) {
             clearLeaves(group, groups);  // put right when the row is drawn again
             continue;
         }
-        if (simpleData(group)->isProtected()) continue;
-        const TreeNode* const stays = copyThatStays(group);
-        std::size_t ticked = 0;
-        bool isHeldBack = false;
-        for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
-            const TreeNode::Pointer& leaf = group.childAtIndex(i);
-            isHeldBack |= simpleData(*leaf)->isProtected();
-            if (leaf.get() == stays || simpleData(*leaf)->isProtected()) continue;
-            tick(leaf);
-            ++ticked;
-        }
-        const bool isClear = ticked == 0 && isHeldBack && countTicked(group) == 0;
-        showGroup(group, isClear ? 0 : 2, ticked);
+        if (simpleData(group)->wholeFolder() == nullptr) tickInHeader(group);
     }
     if (!on) m_ticked.removeClear();
+}
+
+void DuplicateSelection::tickInHeader(TreeNode& group) {
+    if (simpleData(group)->isProtected()) return;
+    if (group.numberOfChildren() == 0) return;
+    const TreeNode* const stays = copyThatStays(group);
+    std::size_t ticked = 0;
+    bool isHeldBack = false;
+    // Of folders it never ticks all, also where the one that stays was ticked before.
+    if (simpleData(group)->wholeFolder() != nullptr && simpleData(*stays)->selectNum() == 1) {
+        clear(*simpleData(*stays));
+        m_ticked.removeClear();
+    }
+    for (std::size_t i = 0; i < group.numberOfChildren(); ++i) {
+        const TreeNode::Pointer& leaf = group.childAtIndex(i);
+        const bool isLeafHeld = isHeld(*simpleData(*leaf));
+        isHeldBack |= isLeafHeld;
+        if (leaf.get() == stays || isLeafHeld) continue;
+        tick(leaf);
+        ++ticked;
+    }
+    const bool isClear = ticked == 0 && isHeldBack && countTicked(group) == 0;
+    showGroup(group, isClear ? 0 : 2, ticked);
+}
+
+void DuplicateSelection::clearGoing(std::span<const TreeNode::Pointer> leaves) {
+    bool isAnyCleared = false;
+    for (const TreeNode::Pointer& leaf : leaves) {
+        SimpleNodeData& data = *simpleData(*leaf);
+        if (leaf->nodeParent() == nullptr || data.selectNum() != 1 ||
+            quickHold(data) != FolderHold::Goes)
+            continue;
+        clear(data);
+        isAnyCleared = true;
+        TreeNode& group = *leaf->nodeParent();
+        const std::size_t ticked = countTicked(group);
+        showGroup(group, ticked == 0 ? 0 : 2, ticked);
+    }
+    if (isAnyCleared) m_ticked.removeClear();
 }
 
 void DuplicateSelection::clearTree(TreeNode& tree) {
@@ -200,8 +255,10 @@ void DuplicateSelection::count(const SimpleNodeData& leaf, bool isTicked) {
     change(m_sums.copies, std::size_t{1});
     if (leaf.liesOutside()) change(m_sums.outside, std::size_t{1});
     const EntryIdentity* const identity = leaf.identity() ? &*leaf.identity() : nullptr;
-    if (isTicked) m_gain.add(identity, leaf.hardLinks(), leaf.fileSize());
-    else m_gain.take(identity, leaf.hardLinks(), leaf.fileSize());
+    const std::uint64_t bytes =
+        leaf.wholeFolder() != nullptr ? leaf.wholeFolder()->gain : leaf.fileSize();
+    if (isTicked) m_gain.add(identity, leaf.hardLinks(), bytes);
+    else m_gain.take(identity, leaf.hardLinks(), bytes);
     m_sums.bytes = m_gain.bytes();
 }
 

@@ -43,7 +43,7 @@ private:
 enum class LeafClick {
     Ticked,
     Cleared,
-    Protected,  ///< nothing changed: it lies in a protected folder
+    Protected,  ///< nothing changed: it lies in a protected folder, or in a folder that is ticked
     Question    ///< nothing changed: it is the last clear copy of its group, so ask, and then call
                 ///< tickLast()
 };
@@ -63,7 +63,9 @@ struct TickedSums {
 };
 
 /// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. What is protected is never
-/// ticked, whoever asks, and is the copy that stays where one is left out. Main thread only.
+/// ticked, whoever asks, and is the copy that stays where one is left out. What lies in a folder
+/// that is ticked is neither; what lies in an equal of that is ticked by its own box alone. Main
+/// thread only.
 class DuplicateSelection final {
 public:
     [[nodiscard]] LeafClick clickLeaf(const TreeNode::Pointer& leaf);
@@ -85,6 +87,9 @@ public:
     /// The box over the list: ticks all copies but the last in every group of the view, whatever
     /// was ticked before, or clears the view.
     void setAll(TreeNode& tree, bool on);
+
+    /// Clears those of the leaves that lie in a folder that is ticked by now: they go with it.
+    void clearGoing(std::span<const TreeNode::Pointer> leaves);
 
     /// Clears every leaf and group of the view.
     void clearTree(TreeNode& tree);
@@ -109,6 +114,7 @@ private:
     void tick(const TreeNode::Pointer& leaf);
     void clear(SimpleNodeData& leaf);
     void clearLeaves(TreeNode& group, std::size_t shownCount);
+    void tickInHeader(TreeNode& group);
     void count(const SimpleNodeData& leaf, bool isTicked);
 
     TickedLeaves m_ticked;

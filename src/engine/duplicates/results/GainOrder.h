@@ -17,4 +17,11 @@ namespace orrinvale {
 void visitByGain(const DuplicateFilesOpt& search,
                  const std::function<void(const DuplicateGroup&)>& visit);
 
+/// The same for what a tree has of a group now; a bundle counts as one file.
+[[nodiscard]] std::uint64_t gainOfRows(const TreeNode& group);
+
+/// How the groups of a view stand; whole folders above files.
+enum class GroupOrder : std::uint8_t { Found, Gain };
+void orderGroups(TreeNode& tree, GroupOrder order);
+
 }  // namespace orrinvale

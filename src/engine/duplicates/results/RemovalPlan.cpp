@@ -5,6 +5,8 @@
 #include <map>
 #include <utility>
 
+#include "engine/duplicates/folders/FolderRows.h"
+#include "engine/duplicates/results/BundleLook.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -31,6 +33,10 @@ void RemovalPlan::prepare() {
     std::unordered_set<const TreeNode*> ticked;
     // What was cleared since it came among the ticked ones stays.
     std::erase_if(m_ticked, [](const auto& leaf) { return simpleData(*leaf)->selectNum() != 1; });
+    // A folder takes it along.
+    std::erase_if(m_ticked,
+                  [](const auto& leaf) { return goingFolderOf(*simpleData(*leaf)) != nullptr; });
+    foldersFirst();
     for (const auto& leaf : m_ticked) ticked.insert(leaf.get());
     std::unordered_set<const TreeNode*> taken;
     for (const auto& leaf : m_ticked) {
@@ -40,9 +46,26 @@ void RemovalPlan::prepare() {
         m_entries.push_back({leaf, places.at(leaf.get())});
         const Member& leaving = member(m_entries.size() - 1);
         if (leaving.identity && leaving.identity->type == FileType::Folder && !leaving.isProtected)
-            m_leavingFolders.push_back(leaving.path);
+            m_leavingFolders.insert(leaving.path);
     }
     m_isPrepared = true;
+}
+
+void RemovalPlan::turnHasCome() {
+    if (m_wholeFolders.empty()) return;
+    for (Group& group : m_groups)
+        for (Member& member : group.members) member.isOut |= !learnListing(member);
+}
+
+void RemovalPlan::foldersFirst() {
+    if (std::ranges::none_of(m_ticked, [](const TreeNode::Pointer& leaf) {
+            return simpleData(*leaf)->wholeFolder() != nullptr;
+        }))
+        return;
+    std::ranges::stable_sort(m_ticked, std::ranges::greater(), [](const TreeNode::Pointer& leaf) {
+        const FolderFacts* const folder = simpleData(*leaf)->wholeFolder();
+        return folder != nullptr ? folder->entries : 0;
+    });
 }
 
 void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const TreeNode*>& ticked,
@@ -55,6 +78,8 @@ void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const 
         places.emplace(&child, Place{m_groups.size(), i});
         group.members.push_back({data->name(), data->fileSize(), data->identity(),
                                  data->bundleDigest(), data->isProtected(), data->isRecalled()});
+        if (data->wholeFolder() != nullptr)
+            m_wholeFolders.emplace(data->name(), *data->wholeFolder());
         group.copies.push_back(i);
         if (group.members.back().identity) group.byFile.push_back(i);
     }
@@ -100,12 +125,20 @@ bool RemovalPlan::isAsListed(const Member& bundle) const {
 bool RemovalPlan::liesInWhatGoes(const std::string& path) const {
     if (m_leavingFolders.empty()) return false;
     const auto isIn = [&](const std::string& place) {
-        return std::any_of(
-            m_leavingFolders.begin(), m_leavingFolders.end(),
-            [&](const std::string& folder) { return place != folder && isWithin(place, folder); });
+        for (std::string folder = folderOf(place); folder.size() > 1; folder = folderOf(folder))
+            if (m_leavingFolders.contains(folder)) return true;
+        return false;
     };
     const auto real = m_files.resolved(path);
     return isIn(path) || (real && isIn(*real));
+}
+
+// The search kept no listing of a folder that is no bundle.
+bool RemovalPlan::learnListing(Member& folder) const {
+    const auto seen = m_wholeFolders.find(folder.path);
+    if (folder.digest || seen == m_wholeFolders.end()) return true;
+    folder.digest = digestOfUnchanged(m_files, folder.path, seen->second);
+    return folder.digest.has_value();
 }
 
 // From the end, where the copy that stays by itself stands. What is found gone or changed is asked
@@ -116,6 +149,10 @@ const RemovalPlan::Member* RemovalPlan::copyFor(Group& group, const Member& want
     for (std::size_t at = group.copies.size(); at-- > 0;) {
         Member& other = group.members[group.copies[at]];
         if (other.isOut || &other == &wanted) continue;
+        if (!learnListing(other)) {
+            other.isOut = true;
+            continue;
+        }
         if (isCopyFor(wanted, other)) return &other;
         const auto now = m_files.attributes(FileSystem::noParent, other.path.c_str(), Links::Keep);
         other.isOut = !now || !other.identity || !other.identity->isStill(*now) ||
@@ -128,6 +165,7 @@ std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Membe
     auto copy =
         kept != nullptr ? std::optional(KeptCopy{kept->path, *kept->identity}) : std::nullopt;
     const bool compares = m_comparing == Comparing::Always || wanted.isRecalled ||
+                          m_wholeFolders.contains(wanted.path) ||
                           (kept != nullptr && kept->isRecalled);
     if (!wanted.digest) return std::make_unique<FileLook>(m_files, std::move(copy), compares);
     return std::make_unique<BundleLook>(
@@ -136,11 +174,15 @@ std::unique_ptr<CopyLook> RemovalPlan::lookFor(const Member& wanted, const Membe
 }
 
 tl::expected<std::unique_ptr<CopyLook>, StayedEntry> RemovalPlan::judge(std::size_t index) {
-    Group& group = m_groups[m_entries.at(index).place.group];
-    const Member& wanted = member(index);
+    const Place& place = m_entries.at(index).place;
+    Group& group = m_groups[place.group];
+    Member& wanted = group.members[place.member];
     if (wanted.isProtected)
         return tl::unexpected(
             StayedEntry{wanted.path, std::string(stay::isProtected), StayReason::Protected});
+    if (!learnListing(wanted))
+        return tl::unexpected(
+            StayedEntry{wanted.path, std::string(stay::changed), StayReason::Changed});
     const Member* kept = nullptr;
     if (!group.whollyTicked) {
         kept = copyFor(group, wanted);

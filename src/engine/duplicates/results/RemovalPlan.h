@@ -30,7 +30,9 @@ public:
     /// What a copy may go for: one that is ticked as well, or what is to stay alone.
     enum class Copies : std::uint8_t { Any, Staying };
 
-    /// Each ticked leaf once, in the order of ticking. The file system outlives the plan.
+    /// Each ticked leaf once, in the order of ticking, but whole folders first and the largest of
+    /// them first, since each is compared with one that has to be whole still. These are always
+    /// compared. The file system outlives the plan.
     RemovalPlan(const FileSystem& files, std::vector<TreeNode::Pointer> ticked, Comparing comparing,
                 Copies copies = Copies::Any);
 
@@ -42,6 +44,9 @@ public:
     /// The groups are those that the leaves stand in now: nobody changes the tree before the first
     /// news of the removal.
     void prepare() override;
+    /// Lists whole folders before anything goes: another name of a file in one that goes gives the
+    /// file a new time of change.
+    void turnHasCome() override;
 
     [[nodiscard]] std::size_t size() const override {
         return m_isPrepared ? m_entries.size() : m_ticked.size();
@@ -116,6 +121,8 @@ private:
     [[nodiscard]] bool isCopyFor(const Member& wanted, const Member& other) const;
     [[nodiscard]] bool isAsListed(const Member& bundle) const;
     [[nodiscard]] bool liesInWhatGoes(const std::string& path) const;
+    void foldersFirst();
+    [[nodiscard]] bool learnListing(Member& folder) const;
     [[nodiscard]] const Member* copyFor(Group& group, const Member& wanted) const;
     [[nodiscard]] std::unique_ptr<CopyLook> lookFor(const Member& wanted, const Member* kept) const;
 
@@ -127,7 +134,8 @@ private:
     bool m_isPrepared = false;
     std::vector<Group> m_groups;
     std::vector<Entry> m_entries;
-    std::vector<std::string> m_leavingFolders;  ///< ticked bundles
+    std::unordered_set<std::string> m_leavingFolders;             ///< ticked bundles and folders
+    std::unordered_map<std::string, FolderFacts> m_wholeFolders;  ///< of the groups, by path
 };
 
 }  // namespace orrinvale

@@ -9,6 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "engine/duplicates/folders/FolderRows.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale {
@@ -46,6 +47,16 @@ void learnProtected(TreeNode& group) {
     simpleData(group)->setProtected(isProtected);
 }
 
+bool liesInOne(const SimpleNodeData& leaf,
+               const std::unordered_set<const SimpleNodeData*>& folders) {
+    const FolderTies* ties = leaf.folderTies();
+    while (ties != nullptr && ties->within != nullptr) {
+        if (folders.contains(ties->within.get())) return true;
+        ties = ties->within->folderTies();
+    }
+    return false;
+}
+
 void addSize(std::uint64_t& sum, std::uint64_t size) {
     sum += std::min(size, std::numeric_limits<std::uint64_t>::max() - sum);
 }
@@ -58,6 +69,22 @@ void ResultViews::setResult(std::shared_ptr<SimpleTreeNode> all) {
     for (std::size_t code = 1; code < m_types.size(); ++code) m_types[code] = newRoot();
     if (!m_all) return;
     for (std::size_t i = 0; i < m_all->numberOfChildren(); ++i) sortIn(m_all->childAtIndex(i));
+    findInFolders();
+}
+
+// A search finds the folders first, so that the first group tells whether there are any.
+void ResultViews::findInFolders() {
+    m_inFolders.clear();
+    m_hasWholeFolders = m_all->numberOfChildren() != 0 &&
+                        simpleData(*m_all->childAtIndex(0))->wholeFolder() != nullptr;
+    if (!m_hasWholeFolders) return;
+    for (std::size_t i = 0; i < m_all->numberOfChildren(); ++i) {
+        const TreeNode& group = *m_all->childAtIndex(i);
+        for (std::size_t leaf = 0; leaf < group.numberOfChildren(); ++leaf)
+            if (const FolderTies* const ties = simpleData(*group.childAtIndex(leaf))->folderTies();
+                ties != nullptr && ties->within != nullptr)
+                m_inFolders.push_back(group.childAtIndex(leaf));
+    }
 }
 
 void ResultViews::sortIn(const TreeNode::Pointer& group) {
@@ -77,6 +104,8 @@ void ResultViews::clear() {
     }
     if (m_all) takeApart(*m_all);
     m_all.reset();
+    m_inFolders.clear();
+    m_hasWholeFolders = false;
     m_sizes = {};
 }
 
@@ -126,7 +155,8 @@ bool ResultViews::removeFromGroup(TreeNode& group, std::span<const TreeNode::Poi
         shrink(data, bytes);
         --left;
         ticked -= gone.selectNum() == 1 ? 1U : 0U;
-        const bool single = left == 1 && data.selectNum() == 2;
+        // One of which nothing was ticked loses a copy with its folder.
+        const bool single = left == 1 && data.selectNum() != 1;
         if (single) shrink(data, bytes);  // the copy that stays is no duplicate any more
         if (left == 0 || single) {
             data.setMark(false);
@@ -135,6 +165,7 @@ bool ResultViews::removeFromGroup(TreeNode& group, std::span<const TreeNode::Poi
         if (data.selectNum() == 2) data.setSelectNum(ticked != 0 ? 2 : 0);
     }
     learnProtected(group);
+    if (data.wholeFolder() != nullptr) data.setName(folderGroupName(group));
     // Of a partly ticked group the first number says whether, not how many, until the next tick in
     // it.
     const std::size_t shown = data.selectNum() == 1 ? left : data.selectNum() == 2 ? 1 : 0;
@@ -146,10 +177,25 @@ void ResultViews::removeLeaves(std::span<const TreeNode::Pointer> leaves) {
     // By group: a group may hold as many copies as a batch has leaves, and must not be walked for
     // each of them.
     std::unordered_map<TreeNode*, std::vector<TreeNode::Pointer>> byGroup;
-    for (const auto& leaf : leaves) {
+    std::unordered_set<const SimpleNodeData*> folders;
+    const auto take = [&](const TreeNode::Pointer& leaf) {
         TreeNode* const group = leaf->nodeParent();
         if (group != nullptr && simpleData(*group) != nullptr && simpleData(*leaf) != nullptr)
             byGroup[group].push_back(leaf);
+    };
+    for (const auto& leaf : leaves) {
+        take(leaf);
+        if (const SimpleNodeData* const data = simpleData(*leaf);
+            data != nullptr && data->wholeFolder() != nullptr)
+            folders.insert(data);
+    }
+    if (!folders.empty()) {
+        const std::unordered_set<TreeNode::Pointer> named(leaves.begin(), leaves.end());
+        std::erase_if(m_inFolders, [&](const TreeNode::Pointer& leaf) {
+            if (!liesInOne(*simpleData(*leaf), folders)) return false;
+            if (!named.contains(leaf)) take(leaf);
+            return true;
+        });
     }
     std::unordered_set<const TreeNode*> groups;
     for (const auto& [group, gone] : byGroup)

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engine/duplicates/FileKind.h"
 #include "engine/duplicates/tree/SimpleTreeNode.h"
@@ -54,22 +55,31 @@ public:
     /// The same for people; "0.0KB" for none.
     [[nodiscard]] std::string sizeText(std::size_t row) const;
 
+    /// The leaves that lie in folders that are equal as wholes, the inner ones of these too.
+    [[nodiscard]] const std::vector<TreeNode::Pointer>& inFolders() const { return m_inFolders; }
+    /// Whether any row stood for a whole folder when the result was set.
+    [[nodiscard]] bool hasWholeFolders() const { return m_hasWholeFolders; }
+
     /// How many copies the groups of a tree hold.
     [[nodiscard]] static std::size_t leafCount(const TreeNode& tree);
 
     /// Takes copies that are gone from the disk out of their groups, and groups that are none any
     /// more out of both their trees: those without a copy left, and those partly ticked with a
-    /// single copy left, which stays on the disk. One pass over the trees for the whole batch.
+    /// single copy left, which stays on the disk. With a folder goes what lies in it. One pass over
+    /// the trees for the whole batch.
     void removeLeaves(std::span<const TreeNode::Pointer> leaves);
 
 private:
     void sortIn(const TreeNode::Pointer& group);
     bool removeFromGroup(TreeNode& group, std::span<const TreeNode::Pointer> leaves);
+    void findInFolders();
     void shrink(const SimpleNodeData& group, std::uint64_t bytes);
 
     std::shared_ptr<SimpleTreeNode> m_all;
     std::array<std::shared_ptr<SimpleTreeNode>, 7> m_types;  // by the kind's code, 1 to 6
     std::array<std::uint64_t, 7> m_sizes{};                  // likewise
+    std::vector<TreeNode::Pointer> m_inFolders;
+    bool m_hasWholeFolders = false;
 };
 
 }  // namespace orrinvale

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
+#include <vector>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
 
@@ -29,6 +31,19 @@ inline void expectGroups(const TreeNode& tree, std::size_t after) {
     if (const TreeNode* const group = ahead(4))
         for (std::size_t i = 0; i < leaves(*group); ++i)
             __builtin_prefetch(group->childAtIndex(i)->nodeData().get(), 1);
+}
+
+/// The groups of equal folders in a view, the largest folders first, which is the order of whatever
+/// is decided of them: a folder has more entries than any that lies in it.
+[[nodiscard]] inline std::vector<TreeNode*> wholeFoldersOf(const TreeNode& tree) {
+    std::vector<TreeNode*> groups;
+    for (std::size_t g = 0; g < tree.numberOfChildren(); ++g)
+        if (simpleData(*tree.childAtIndex(g))->wholeFolder() != nullptr)
+            groups.push_back(tree.childAtIndex(g).get());
+    std::ranges::stable_sort(groups, std::ranges::greater(), [](const TreeNode* group) {
+        return simpleData(*group)->wholeFolder()->entries;
+    });
+    return groups;
 }
 
 }  // namespace orrinvale

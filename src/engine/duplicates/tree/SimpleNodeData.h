@@ -9,6 +9,7 @@
 
 #include "engine/base/Date.h"
 #include "engine/base/IconRequest.h"
+#include "engine/duplicates/tree/FolderTies.h"
 #include "engine/duplicates/tree/TreeNode.h"
 #include "engine/files/EntryIdentity.h"
 
@@ -111,6 +112,23 @@ public:
     [[nodiscard]] const std::string& showSelectNumStr() const { return m_showSelectNumStr; }
     void setShowSelectNumStr(std::string text) { m_showSelectNumStr = std::move(text); }
 
+    /// A group's place in the order in which the search found them.
+    [[nodiscard]] std::uint32_t foundAs() const { return m_foundAs; }
+    void setFoundAs(std::uint32_t place) { m_foundAs = place; }
+
+    /// Null for what has nothing to do with equal folders.
+    [[nodiscard]] const FolderTies* folderTies() const { return m_folderTies.get(); }
+    /// Made when first asked for.
+    [[nodiscard]] FolderTies& tieToFolders() {
+        if (m_folderTies == nullptr) m_folderTies = std::make_unique<FolderTies>();
+        return *m_folderTies;
+    }
+    /// Of a folder that is equal to others as a whole, and of the group of these; null for all
+    /// else, bundles too.
+    [[nodiscard]] const FolderFacts* wholeFolder() const {
+        return m_folderTies != nullptr && m_folderTies->facts ? &*m_folderTies->facts : nullptr;
+    }
+
     /// The name.
     [[nodiscard]] const std::string& description() const { return m_name; }
 
@@ -138,6 +156,8 @@ private:
     bool m_isLink = false;
     bool m_liesOutside = false;
     std::uint32_t m_hardLinks = 1;
+    std::uint32_t m_foundAs = 0;
+    std::unique_ptr<FolderTies> m_folderTies;
     std::optional<std::uint64_t> m_bundleDigest;
     std::string m_linkTarget;
     std::string m_showSelectNumStr;

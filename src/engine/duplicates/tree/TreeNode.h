@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orrinvale {
@@ -113,6 +114,9 @@ public:
     /// True when the given node is this one or an ancestor of it.
     [[nodiscard]] bool isDescendantOfNode(const TreeNode* node) const;
     [[nodiscard]] bool isDescendantOfNodeInArray(std::span<TreeNode* const> nodes) const;
+
+    /// Takes the same children in another order.
+    void setOrder(std::vector<Pointer> children) { m_nodeChildren = std::move(children); }
 
     /// Sort the children, their children, and so on at every level, by one key. Equal keys keep
     /// their order. Nodes that lack the key keep their places among their siblings, and the others

@@ -1,0 +1,216 @@
+// Whole folders in the list: their rows, what goes with them, the order by gain, and the sheet of
+// folders that are equal in parts.
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTreeView>
+
+#include "engine/duplicates/plan/PlanFile.h"
+#include "engine/settings/SettingsKeys.h"
+#include "support/ScopedVariable.h"
+#include "support/test.h"
+#include "ui/kit/lists/TickModel.h"
+#include "ui/support/PageWindow.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::someBytes;
+
+class WholeFoldersShown : public ::testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* folder : {"f/a", "f/b"}) {
+            write(folder, "/x", 1000, 1);
+            write(folder, "/sub/y", 2000, 2);
+            write(folder, "/.h", 10, 3);
+        }
+        write("f/c", "/x", 1000, 1);
+        for (const char* name : {"/p1", "/p2", "/p3"}) {
+            const std::size_t bytes = 1000 * std::size_t(4 + name[2] - '0');
+            write("f/d", name, bytes, name[2]);
+            write("f/e", name, bytes, name[2]);
+        }
+        write("f/e", "/more", 100, 9);
+        on.settings().setBool(true, wholeFoldersKey);
+    }
+    void write(const std::string& folder, const char* name, std::size_t bytes, int seed) {
+        ASSERT_TRUE(on.tree.write(folder + name, someBytes(bytes, unsigned(seed))));
+    }
+    /// Also where a result stands already.
+    bool find() {
+        on.drop(on.tree.at("f"));
+        return on.waitFor([this] { return !on.page().bSearchFinished(); }) &&
+               on.waitFor([this] { return on.page().bSearchFinished(); }) &&
+               on.waitFor([this] { return on.isShown("detailView"); });
+    }
+    bool there(const char* name) const { return isThere(on.tree.at(name)); }
+    /// The row of the two, or of one of them.
+    QModelIndex folder(const char* path = "") {
+        return on.row(on.model().index(0, 1).data().toString().toStdString(), path);
+    }
+    std::string names() {
+        std::string text;
+        for (int g = 0; g < on.model().rowCount(); ++g)
+            text += on.model().index(g, 1).data().toString().toStdString() + ' ';
+        return text;
+    }
+    /// An entry of the menu, by its key; null where there is none. The menu closes when it is
+    /// triggered or another opens.
+    QAction* entry(const char* text) {
+        QTest::keyClick(&on.control("outline"), Qt::Key_L, Qt::ControlModifier);
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (menu == nullptr) return nullptr;
+        for (QAction* const each : menu->actions())
+            if (each->text() == QString::fromUtf8(text)) return each;
+        return nullptr;
+    }
+    bool choose(const char* text) {
+        QAction* const chosen = entry(text);
+        if (chosen == nullptr || !chosen->isEnabled()) return false;
+        chosen->trigger();
+        if (auto* const menu = QApplication::activePopupWidget()) menu->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return true;
+    }
+
+    TestTree home;
+    testing::ScopedVariable data{"XDG_DATA_HOME", home.path()};
+    testing::PageWindow on;
+};
+
+TEST_F(WholeFoldersShown, AreTickedAskedAboutAndRemovedAsOne) {
+    ASSERT_TRUE(find());
+    EXPECT_EQ(on.model().rowCount(), 5);
+    const std::string name = names().substr(0, 19);
+    EXPECT_TRUE(name == "a = b, 3 files each" || name == "b = a, 3 files each") << name;
+    EXPECT_EQ(folder("f/b").siblingAtColumn(1).data(Qt::AccessibleDescriptionRole),
+              QStringLiteral("A folder with 3 files, which goes or stays as a whole"));
+    EXPECT_EQ(on.textOf("titleLabel"), "11 entries in f, selected 0 entries in All.");
+    on.tick(folder("f/b"));
+    EXPECT_EQ(on.textOf("gainLabel"), "3.01 KB can be gained");
+    const QModelIndex within = on.row("x", "f/b/x");
+    EXPECT_FALSE(within.siblingAtColumn(0).data(TickModel::StateRole).isValid()) << "no box";
+    EXPECT_TRUE(within.data(TickModel::GreyRole).toBool());
+    const QModelIndex itsName = within.siblingAtColumn(1);
+    EXPECT_EQ(itsName.data(Qt::AccessibleDescriptionRole).toString().toStdString(),
+              "Goes with the folder " + on.tree.at("f/b"));
+    on.tick("x", "f/c/x");
+
+    ASSERT_TRUE(on.remove());
+    EXPECT_EQ(on.dialogs.alerts().back().text.toStdString(),
+              "2 entries, 4.01 KB, go for good.\n1 of them is a folder: all that is in it goes, 3 "
+              "files.");
+    EXPECT_FALSE(there("f/b") || there("f/c/x"));
+    EXPECT_TRUE(there("f/a/x") && there("f/a/sub/y") && there("f/a/.h"));
+    EXPECT_EQ(on.model().rowCount(), 3) << "one copy of x is left, and no duplicate";
+}
+
+TEST_F(WholeFoldersShown, StayWhereTheyAreOthersByNow) {
+    for (const bool changesTheOneThatGoes : {true, false}) {
+        ASSERT_TRUE(find());
+        on.click("button");  // ticks all but the last of each group, of the folders too
+        ASSERT_EQ(folder().siblingAtColumn(2).data(), QStringLiteral("1/2"));
+        const bool goesA = folder("f/a").siblingAtColumn(0).data(TickModel::StateRole) == 1;
+        write(goesA == changesTheOneThatGoes ? "f/a" : "f/b", "/.new", 1, 1);
+        on.dialogs.willAnswer(0);
+        ASSERT_TRUE(on.remove());
+        for (const char* name : {"f/a/sub/y", "f/b/sub/y", "f/a/x", "f/b/x", "f/a/.h", "f/b/.h"})
+            EXPECT_TRUE(there(name)) << name;
+        const char* const reason =
+            changesTheOneThatGoes ? "changed since the scan" : "no other verified copy is left";
+        EXPECT_NE(on.linesBehind("failureLine").find(reason), std::string::npos) << reason;
+        for (const char* each : {"f/a/.new", "f/b/.new"}) std::filesystem::remove(on.tree.at(each));
+        SetUp();  // what went is there again
+    }
+}
+
+TEST_F(WholeFoldersShown, AStopComesBetweenTwoOfThem) {
+    for (const char* each : {"f/g/v", "f/h/v"}) write(each, "/w", 7000, 5);
+    ASSERT_TRUE(find());
+    on.click("button");
+    ASSERT_TRUE(on.remove([&] { on.click("stopRemoveBtn"); }));
+    EXPECT_TRUE(there("f/g/v/w") && there("f/h/v/w")) << "smaller, so that it comes second";
+    const auto isWhole = [this](const std::string& one) {
+        return there((one + "/sub/y").c_str()) && there((one + "/.h").c_str()) &&
+               there((one + "/x").c_str());
+    };
+    EXPECT_TRUE(isWhole("f/a") || isWhole("f/b"));
+}
+
+TEST_F(WholeFoldersShown, MoveToTheTrashAndBackAndIntoAPlan) {
+    ASSERT_TRUE(find());
+    on.tick(folder("f/a"));
+    QTest::keyClick(&on.control("outline"), Qt::Key_S, Qt::ControlModifier);
+    const auto sheet = [this] {
+        return on.window->window()->findChild<QWidget*>(QStringLiteral("savePlanPanel"));
+    };
+    ASSERT_SOON(sheet() != nullptr);
+    on.control<QLineEdit>("planPath").setText(QString::fromStdString(on.tree.at("plan.json")));
+    on.click("savePlan");
+    ASSERT_SOON(sheet() == nullptr);
+    const auto plan = loadPlan(on.tree.at("plan.json"));
+    ASSERT_TRUE(plan) << plan.error();
+    ASSERT_EQ(plan->groups.size(), 1U);
+    for (const PlanMember& member : plan->groups[0].members) {
+        EXPECT_EQ(member.goes, member.path == on.tree.at("f/a"));
+        EXPECT_TRUE(member.listing.has_value());
+    }
+
+    on.settings().setBool(true, trashFirstKey);
+    QEvent activated(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&on.control("detailView"), &activated);
+    ASSERT_TRUE(on.remove());
+    EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("Move 1 entry to the trash?"));
+    EXPECT_FALSE(there("f/a"));
+    on.click("undoBtn");
+    ASSERT_SOON(on.page().bSearchFinished() && there("f/a/sub/y"));
+    EXPECT_TRUE(there("f/a/.h") && there("f/a/x"));
+}
+
+TEST_F(WholeFoldersShown, TheMenuSaysHowTheListLooks) {
+    ASSERT_TRUE(find());
+    const std::string asFound = names();
+    ASSERT_TRUE(choose("Biggest Gain First"));
+    const std::string byGain = asFound.substr(0, 20) + "p3 p2 p1 x ";
+    EXPECT_EQ(names(), byGain);
+    EXPECT_TRUE(on.settings().boolForKey(gainFirstKey));
+    ASSERT_TRUE(find());
+    EXPECT_EQ(names(), byGain) << "it is remembered";
+    ASSERT_TRUE(choose("As Found"));
+    EXPECT_EQ(names(), asFound);
+
+    on.tick("p1");
+    on.dialogs.willAnswer(1);  // the ticks would be forgotten
+    ASSERT_TRUE(choose("Whole Folders"));
+    EXPECT_TRUE(on.page().bSearchFinished() && on.settings().boolForKey(wholeFoldersKey));
+    EXPECT_EQ(names(), asFound);
+    on.dialogs.willAnswer(0);
+    ASSERT_TRUE(choose("Whole Folders"));
+    ASSERT_SOON(on.page().bSearchFinished() && names().find('=') == std::string::npos);
+    EXPECT_EQ(on.textOf("titleLabel"), "11 files in f, selected 0 files in All.");
+    EXPECT_FALSE(entry("Partly Equal Folders\xE2\x80\xA6")->isEnabled());
+    QApplication::activePopupWidget()->close();
+}
+
+TEST_F(WholeFoldersShown, FoldersThatAreEqualInPartsAreShownOpenedAndSearched) {
+    ASSERT_TRUE(find());
+    ASSERT_TRUE(choose("Partly Equal Folders\xE2\x80\xA6"));
+    auto& list = on.control<QTreeView>("partlyList");
+    ASSERT_EQ(list.model()->rowCount(), 1);
+    const QModelIndex row = list.model()->index(0, 0);
+    EXPECT_EQ(row.data().toString().toStdString(), on.tree.at("f/d"));
+    EXPECT_EQ(row.data(Qt::AccessibleDescriptionRole).toString().toStdString(),
+              "100% of it is also in " + on.tree.at("f/e"));
+    on.click("partlyShow");
+    EXPECT_EQ(on.revealed, (Strings{on.tree.at("f/d"), on.tree.at("f/e")}));
+    QTest::keyClick(&list, Qt::Key_Return);
+    ASSERT_SOON(on.page().bSearchFinished() && on.model().rowCount() == 3 &&
+                on.isShown("detailView"));
+    EXPECT_EQ(on.textOf("titleLabel"), "6 files in 2 folders, selected 0 files in All.");
+}
+
+}  // namespace
+}  // namespace orrinvale
