@@ -22,7 +22,7 @@ from check_words import without_comments
 
 TOKEN = re.compile(r"\bnamespace\b([^{;=]*)\{|[{};]")
 TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?)\s+(?:\[\[[^]]*\]\]\s*)*(\w+)")
-ALIAS = re.compile(r"^using\s+(\w+)\s*=\s*(.*)$")
+ALIAS = re.compile(r"^(?:using|namespace)\s+(\w+)\s*=\s*(.*)$")
 PROGRAMS = {"src/app", "src/preview", "src/gallery"}  # nobody includes their headers
 IGNORED = re.compile(r"^(using\b|friend\b|static_assert\b|extern\b|template\s*<>|Q_|public\b|$)")
 
@@ -152,9 +152,9 @@ SELF_TEST_TREE = {
                          ("bool isNear(int a);", None), ("struct Row { int a; };", "Row"),
                          ("[[nodiscard]] std::map<int, Entry> rowsOf(const std::vector<Entry>& all) { return {}; }", "rowsOf"),
                          ("const char* const words[] = {\"namespace {\"};", "words"), ("using Rows = int;", "Rows"),
-                         ("using Clock = std::steady;", None), ("template <typename T> void each(T&& one) {}", "each"),
+                         ("using Clock = std::steady;", None), ("namespace fs = std::files;", None), ("template <typename T> void each(T&& one) {}", "each"),
                          ("}", None), ("int limitOf() { return 1; }", None), ("}", None)],
-    "src/engine/b/b.cpp": [("namespace orrinvale {", None), ("namespace {", None), ("using Clock = std::steady;", None),
+    "src/engine/b/b.cpp": [("namespace orrinvale {", None), ("namespace {", None), ("using Clock = std::steady;", None), ("namespace fs = std::files;", None),
                            ("const int limit{4};", "limit"),
                            ("constexpr std::size_t least = std::size_t{1} << 20U;", None),
                            ("std::string told(const Entry& other, int n) { return {}; }", "told"),

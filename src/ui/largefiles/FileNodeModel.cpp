@@ -13,7 +13,7 @@
 namespace orrinvale {
 namespace {
 
-constexpr int sizeColumnWidth = 96;
+constexpr int sizeOfFileWidth = 96;
 
 QString sizeText(std::uint64_t bytes) {
     return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
@@ -47,7 +47,7 @@ std::vector<TickColumn<FileNode>> columns(FileNodeModel::IconSource icons) {
          .icon = [icons = std::move(icons)](const FileNode& node) { return iconOf(node, icons); }},
         {.title = FileNodeModel::tr("Size"),
          .look = CellLook::Figure,
-         .width = sizeColumnWidth,
+         .width = sizeOfFileWidth,
          .text = [](const FileNode& node) { return sizeText(node.size()); },
          .toolTip = sizeToolTip},
         {.title = FileNodeModel::tr("Path"),

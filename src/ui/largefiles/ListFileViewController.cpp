@@ -35,7 +35,7 @@ namespace orrinvale {
 namespace {
 
 // Rows that jump more often can not be read.
-constexpr std::chrono::milliseconds refreshTime{2000};
+constexpr std::chrono::milliseconds listRefreshTime{2000};
 // What there is to see at first comes sooner, and a short scan is over before the first refresh.
 constexpr std::chrono::milliseconds firstRefresh{200};
 constexpr std::chrono::milliseconds endWatch{100};
@@ -71,7 +71,7 @@ ListFileViewController::ListFileViewController(PageServices services, QObject* p
     Controller::getController().setADelegate(this);
     connectControls();
     connectList(*m_views->filesView->filesList);
-    m_sortTimer.setInterval(refreshTime);
+    m_sortTimer.setInterval(listRefreshTime);
     connect(&m_sortTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
     m_reloadTimer.setSingleShot(true);
     connect(&m_reloadTimer, &QTimer::timeout, this, &ListFileViewController::refreshList);
