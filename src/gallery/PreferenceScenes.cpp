@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QScrollArea>
+#include <algorithm>
 
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
@@ -46,11 +47,14 @@ bool drawPreferences(UserDefaults& defaults, const PictureFolder& pictures,
     page.view()->resize(beginning);
     page.view()->show();
     QApplication::processEvents();
-    // As high as all groups are, however many there come to be.
+    // As high as all groups are; lines that break anew change that again.
     const auto& scrolled = *page.view()->findChild<QScrollArea*>(QStringLiteral("scrollArea"));
-    page.view()->resize(beginning.width(), beginning.height() + scrolled.widget()->height() -
-                                               scrolled.viewport()->height());
-    QApplication::processEvents();
+    constexpr int mostRounds = 5;
+    for (int round = 0; round < mostRounds; ++round) {
+        const int lacking = scrolled.widget()->height() - scrolled.viewport()->height();
+        page.view()->resize(beginning.width(), page.view()->height() + std::max(lacking, 0));
+        QApplication::processEvents();
+    }
     return pictures.save(whole, page.view()->grab());
 }
 
