@@ -2225,6 +2225,54 @@
         <source>something is mounted in the copy that stays</source>
         <translation>in der Kopie, die bleibt, ist etwas eingehängt</translation>
     </message>
+    <message>
+        <source>its file system can not let files have their space in common</source>
+        <translation>ihr Dateisystem kann Dateien ihren Platz nicht teilen lassen</translation>
+    </message>
+    <message>
+        <source>its file system does not let these two have their space in common</source>
+        <translation>ihr Dateisystem lässt diese beiden ihren Platz nicht teilen</translation>
+    </message>
+    <message>
+        <source>the copy that stays is on another file system</source>
+        <translation>die Kopie, die bleibt, liegt auf einem anderen Dateisystem</translation>
+    </message>
+    <message>
+        <source>only files can have their space in common</source>
+        <translation>nur Dateien können ihren Platz teilen</translation>
+    </message>
+    <message>
+        <source>the copy that stays is protected, and a hard link would let it change</source>
+        <translation>die Kopie, die bleibt, ist geschützt, und ein Hardlink ließe sie sich ändern</translation>
+    </message>
+    <message>
+        <source>the copy that stays has further names, which may be protected</source>
+        <translation>die Kopie, die bleibt, hat weitere Namen, die geschützt sein können</translation>
+    </message>
+    <message>
+        <source>owner, group, rights or extended attributes are not those of the copy that stays</source>
+        <translation>Besitzer, Gruppe, Rechte oder erweiterte Attribute sind nicht die der Kopie, die bleibt</translation>
+    </message>
+    <message>
+        <source>it is marked as not to be changed</source>
+        <translation>sie ist als unveränderlich gekennzeichnet</translation>
+    </message>
+    <message>
+        <source>anybody may put files into the folder that it is in</source>
+        <translation>in ihren Ordner darf jeder Dateien legen</translation>
+    </message>
+    <message>
+        <source>nothing can be set aside in the folder that it is in</source>
+        <translation>in ihrem Ordner kann nichts beiseite gelegt werden</translation>
+    </message>
+    <message>
+        <source>the copy that stays has as many names as its file system allows</source>
+        <translation>die Kopie, die bleibt, hat so viele Namen, wie ihr Dateisystem erlaubt</translation>
+    </message>
+    <message>
+        <source>it is a part of a copy that stays</source>
+        <translation>sie ist Teil einer Kopie, die bleibt</translation>
+    </message>
 </context>
 <context>
     <name>Removal</name>
@@ -2431,8 +2479,149 @@
         <translation>Mehr</translation>
     </message>
     <message>
-        <source>To the trash or for good, plans, removals of 30 days</source>
-        <translation>In den Papierkorb oder endgültig, Pläne, Entferntes der letzten 30 Tage</translation>
+        <source>To the trash or for good, sharing, plans, removals of 30 days</source>
+        <translation>In den Papierkorb oder endgültig, Platz teilen, Pläne, Entferntes aus 30 Tagen</translation>
+    </message>
+</context>
+<context>
+    <name>ShareWords</name>
+    <message>
+        <source>1 file, up to %1: it stays a file of its own.</source>
+        <translation>1 Datei, bis zu %1: Sie bleibt eine eigene Datei.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, up to %1: each stays a file of its own.</source>
+        <translation>
+            <numerusform>%Ln Dateien, bis zu %1: Jede bleibt eine eigene Datei.</numerusform>
+            <numerusform>%Ln Dateien, bis zu %1: Jede bleibt eine eigene Datei.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 file, up to %1, by a hard link alone: it becomes another name of the copy that stays. They are one file then, and a change to one is a change to both.</source>
+        <translation>1 Datei, bis zu %1, nur durch einen Hardlink: Sie wird zu einem weiteren Namen der Kopie, die bleibt. Beide sind dann eine Datei, und eine Änderung an einer ist eine Änderung an beiden.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files, up to %1, by hard links alone: they become other names of the copies that stay. That is one file then, and a change to one is a change to all.</source>
+        <translation>
+            <numerusform>%Ln Dateien, bis zu %1, nur durch Hardlinks: Sie werden zu weiteren Namen der Kopien, die bleiben. Das ist dann jeweils eine Datei, und eine Änderung an einer ist eine Änderung an allen.</numerusform>
+            <numerusform>%Ln Dateien, bis zu %1, nur durch Hardlinks: Sie werden zu weiteren Namen der Kopien, die bleiben. Das ist dann jeweils eine Datei, und eine Änderung an einer ist eine Änderung an allen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 has nothing to give.</source>
+        <translation>1 hat nichts abzugeben.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln have nothing to give.</source>
+        <translation>
+            <numerusform>%Ln haben nichts abzugeben.</numerusform>
+            <numerusform>%Ln haben nichts abzugeben.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 folder or link is left out: only files can have their space in common.</source>
+        <translation>1 Ordner oder Verweis bleibt draußen: nur Dateien können ihren Platz teilen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln folders or links are left out: only files can have their space in common.</source>
+        <translation>
+            <numerusform>%Ln Ordner oder Verweise bleiben draußen: nur Dateien können ihren Platz teilen.</numerusform>
+            <numerusform>%Ln Ordner oder Verweise bleiben draußen: nur Dateien können ihren Platz teilen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 group is left out: all its copies are ticked, and one stays.</source>
+        <translation>1 Gruppe bleibt draußen: alle ihre Kopien sind ausgewählt, und eine bleibt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln groups are left out: all their copies are ticked, and one stays.</source>
+        <translation>
+            <numerusform>%Ln Gruppen bleiben draußen: alle ihre Kopien sind ausgewählt, und eine bleibt.</numerusform>
+            <numerusform>%Ln Gruppen bleiben draußen: alle ihre Kopien sind ausgewählt, und eine bleibt.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 keeps its own space.</source>
+        <translation>1 behält ihren eigenen Platz.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln keep their own space.</source>
+        <translation>
+            <numerusform>%Ln behalten ihren eigenen Platz.</numerusform>
+            <numerusform>%Ln behalten ihren eigenen Platz.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Show Why</source>
+        <translation>Warum?</translation>
+    </message>
+    <message>
+        <source>Nothing here can share its space</source>
+        <translation>Hier kann nichts seinen Platz teilen</translation>
+    </message>
+    <message>
+        <source>Share the space of the copies that stay?</source>
+        <translation>Den Platz der Kopien teilen, die bleiben?</translation>
+    </message>
+    <message>
+        <source>Share</source>
+        <translation>Teilen</translation>
+    </message>
+    <message>
+        <source>Make Hard Links</source>
+        <translation>Hardlinks anlegen</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>With Hard Links Too</source>
+        <translation>Auch mit Hardlinks</translation>
+    </message>
+    <message>
+        <source>Nothing was shared</source>
+        <translation>Nichts wurde geteilt</translation>
+    </message>
+    <message>
+        <source>Free space shrank by %1, of %2 at the most.</source>
+        <translation>Der freie Platz nahm um %1 ab, von höchstens %2.</translation>
+    </message>
+    <message>
+        <source>Free space grew by %1, of %2 at the most.</source>
+        <translation>Der freie Platz wuchs um %1, von höchstens %2.</translation>
+    </message>
+    <message>
+        <source>Snapshots, further copies and programs that write meanwhile make it less.</source>
+        <translation>Schnappschüsse, weitere Kopien und Programme, die währenddessen schreiben, machen es weniger.</translation>
+    </message>
+    <message>
+        <source>Looking how these copies can share their space…</source>
+        <translation>Es wird geprüft, wie diese Kopien ihren Platz teilen können…</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>%1 shared before</source>
+        <translation>%1 schon vorher geteilt</translation>
+    </message>
+    <message>
+        <source>%1 shared, up to %2</source>
+        <translation>%1 geteilt, bis zu %2</translation>
+    </message>
+    <message>
+        <source>%1 shared</source>
+        <translation>%1 geteilt</translation>
+    </message>
+    <message>
+        <source>%1 shared, %2</source>
+        <translation>%1 geteilt, %2</translation>
+    </message>
+    <message>
+        <source>%1 not shared</source>
+        <translation>%1 nicht geteilt</translation>
     </message>
 </context>
 <context>
@@ -5016,6 +5205,22 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>View…</source>
         <translation>Ansicht …</translation>
+    </message>
+    <message>
+        <source>Shared: %1 of %2</source>
+        <translation>Geteilt: %1 von %2</translation>
+    </message>
+    <message>
+        <source>Keep their own space</source>
+        <translation>Behalten ihren eigenen Platz</translation>
+    </message>
+    <message>
+        <source>Share the Space…</source>
+        <translation>Platz teilen…</translation>
+    </message>
+    <message>
+        <source>Nothing here takes its space twice any more.</source>
+        <translation>Nichts belegt hier seinen Platz mehr doppelt.</translation>
     </message>
 </context>
 <context>

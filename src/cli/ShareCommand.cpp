@@ -18,6 +18,7 @@
 #include "engine/duplicates/plan/makePlan.h"
 #include "engine/duplicates/share/ShareDoor.h"
 #include "engine/duplicates/share/ShareList.h"
+#include "engine/duplicates/share/ShareOutlook.h"
 #include "engine/text/UtilityFunction.h"
 #include "platform/linux/ProgramFiles.h"
 
@@ -161,23 +162,19 @@ tl::expected<DuplicatePlan, Status> ShareCommand::searched(const Arguments& argu
 Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan,
                            std::vector<Error> skipped) const {
     const auto list = std::make_shared<ShareList>(m_files, plan);
-    ShareDoor::Order order{nullptr, arguments.has("dry-run")};
-    if (arguments.has("link"))
-        order.objectionToLink = [list](const KeptCopy& kept, std::uint32_t names) {
-            return list->objectionToLink(kept, names);
-        };
+    const bool onlyLooks = arguments.has("dry-run");
+    const ShareDoor::Order order = shareOrder(list, arguments.has("link"), onlyLooks);
+    if (!onlyLooks) list->measureGain();
     const auto makeDoor = [&] {
         return std::make_unique<ShareDoor>(
             m_files, ProtectedPlaces::ofThisMachine(m_files, programFiles()), order);
     };
-    const auto freeBefore = order.onlyLooks ? std::nullopt : freeSpaceBehind(list->folders());
     const Ending ending = runRemoval(m_files, list, makeDoor, tellingFor(arguments)).ending;
     ShareAccount account = shareAccountOf(*list);
     account.skipped = std::move(skipped);
-    account.isDryRun = order.onlyLooks;
+    account.isDryRun = onlyLooks;
     account.stopped = ending != Ending::Whole;
-    if (const auto after = freeBefore ? freeSpaceBehind(list->folders()) : std::nullopt)
-        account.gained = *after - *freeBefore;
+    account.gained = list->gained();
 
     if (!arguments.has("quiet") && (arguments.has("json") || arguments.has("print0")))
         for (const auto& each : account.kept)

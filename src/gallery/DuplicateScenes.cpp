@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QTreeView>
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
@@ -28,15 +29,19 @@
 #include "ui/duplicates/PartlyPanel.h"
 #include "ui/duplicates/PlanPanel.h"
 #include "ui/duplicates/ScopePanel.h"
+#include "ui/duplicates/shareWords.h"
 #include "ui/kit/chrome/AnimationHoverImageView.h"
+#include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageWindow.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/dialogs/Sheet.h"
+#include "ui/kit/dialogs/WindowDialogs.h"
 #include "ui/kit/lists/TickBox.h"
 #include "ui/kit/lists/TickOutline.h"
 #include "ui/kit/look/picture.h"
+#include "ui/page/ResultFrame.h"
 #include "ui/preview/PreviewPicture.h"
 #include "ui/shell/DuplicateMainWindowController.h"
 
@@ -65,8 +70,8 @@ DuplicateScenes::DuplicateScenes(const SampleFolder& sample, UserDefaults& defau
 bool DuplicateScenes::draw() {
     return drawFirstView() && drawScope() && drawFolders() && drawSearch() && drawResult() &&
            drawKeep() && drawKeyboard() && drawQuestion() && drawLargeWindow() && drawPane() &&
-           drawPreview() && drawMoved() && drawHistory() && drawPlan() && drawRemoval() &&
-           drawFailures() && drawEmptyResult();
+           drawPreview() && drawMoved() && drawHistory() && drawPlan() && drawSharing() &&
+           drawRemoval() && drawFailures() && drawEmptyResult();
 }
 
 QTreeView* DuplicateScenes::outline() const {
@@ -382,6 +387,34 @@ bool DuplicateScenes::drawPlan() {
     const bool isSaved = waitForSheet(true) && save("plan");
     sheet->close({});
     return isSaved && waitForSheet(false);
+}
+
+// Made up, since most machines that draw can share nothing.
+bool DuplicateScenes::drawSharing() {
+    ShareOutlook outlook;
+    outlook.extents = {1090, 127'000'000};
+    outlook.links = {12, 4'800'000};
+    outlook.noFiles = 2;
+    outlook.kept.resize(3);
+    Alert question = shareQuestion(outlook);
+    question.linkAction = [] {};
+    WindowDialogs().alert(m_window, question, [](int /*button*/) {});
+    if (!waitForSheet(true) || !save("share-question") || !pressInSheet(cancel + 1))
+        return false;  // behind the link
+    constexpr std::array ticked{"Tax return", "Lake at sunrise"};
+    for (const char* const name : ticked) tickGroup(name);  // what shares is ticked no more
+    auto* const line = m_window->findChild<QLabel*>(QStringLiteral("removedLine"));
+    auto* const kept = m_window->findChild<HoverButton*>(QStringLiteral("failureLine"));
+    RemovalOutcome outcome;
+    outcome.failed = 3;
+    ResultFrame::showLine(
+        *line, sharedText({.files = 1090, .promised = 127'000'000, .gained = 126'400'000}));
+    ResultFrame::showLine(*kept, unsharedText(outcome));
+    const bool isSaved = save("shared");
+    ResultFrame::showLine(*line, {});
+    ResultFrame::showLine(*kept, {});
+    for (const char* const name : ticked) tickGroup(name);
+    return isSaved;
 }
 
 bool DuplicateScenes::drawRemoval() {

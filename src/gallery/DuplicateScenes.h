@@ -36,6 +36,7 @@ private:
     bool drawMoved();
     bool drawHistory();
     bool drawPlan();
+    bool drawSharing();
     bool drawRemoval();
     bool drawFailures();
     bool drawEmptyResult();

@@ -10,20 +10,13 @@
 #include "engine/files/SafeRemoval.h"
 #include "engine/files/TreeRemoval.h"
 #include "engine/removal/stayReasons.h"
+#include "engine/removal/stayedWith.h"
 #include "platform/error.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
-
-RemovalResult stayed(StayedEntry reason) {
-    RemovalResult result;
-    result.refused = reason.kind != StayReason::Rights && reason.kind != StayReason::System;
-    result.failed = 1;
-    result.failures.push_back(std::move(reason));
-    return result;
-}
 
 void fail(RemovalResult& result, StayedEntry reason) {
     ++result.failed;
@@ -58,7 +51,7 @@ RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<boo
 
 RemovalResult PlainDoor::removeCopy(const HeldEntry& held, const LeavingEntry& entry,
                                     const std::atomic<bool>& stop) {
-    if (auto reason = entry.look->before(held, stop)) return stayed(std::move(*reason));
+    if (auto reason = entry.look->before(held, stop)) return stayedWith(std::move(*reason));
     if (stop) {
         RemovalResult result;
         result.stopped = true;
@@ -67,7 +60,7 @@ RemovalResult PlainDoor::removeCopy(const HeldEntry& held, const LeavingEntry& e
     SetAside aside(m_files, m_ground, held);
     const auto taken =
         entry.token.empty() ? tl::expected<bool, StayedEntry>(false) : aside.take(entry.token);
-    if (!taken) return stayed(taken.error());
+    if (!taken) return stayedWith(taken.error());
     return *taken ? removeAside(aside, held, entry, stop) : removeInPlace(held, entry, stop);
 }
 
@@ -100,8 +93,8 @@ RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry
                               folderOf(held.path)));
     if (const auto& kept = entry.look->kept())
         if (auto reason = objectionWithoutRename(m_files, m_ground, held, *kept))
-            return stayed(std::move(*reason));
-    if (auto reason = entry.look->last(held, held.name)) return stayed(std::move(*reason));
+            return stayedWith(std::move(*reason));
+    if (auto reason = entry.look->last(held, held.name)) return stayedWith(std::move(*reason));
     RemovalResult result;
     const auto entryHeld = m_files.holdEntry(held.parent.get(), held.name.c_str());
     unlink(held, held.name, entry, stop, result);

@@ -45,6 +45,7 @@ public:
         std::string path;
         bool isGone = false;                  ///< or in the trash
         std::optional<std::int64_t> changed;  ///< RemovalResult::changed
+        std::uint32_t namesMade = 0;          ///< of its file, beside those that it had
     };
 
     /// Asks where the plan is to be kept, in a later turn. `search` has the hashes of its files.

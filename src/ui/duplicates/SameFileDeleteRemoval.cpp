@@ -72,7 +72,7 @@ void SameFileDeleteViewController::doRemoveDuplicateAction() {
                            basket.mapTo(m_views->detailView, basket.rect().center()));
 }
 
-void SameFileDeleteViewController::delDuplicateItems() {
+void SameFileDeleteViewController::showRemoving() {
     SameFileDeleteViews& views = *m_views;
     views.searchBtn->setEnabled(false);
     views.showLoadPathInDetail();
@@ -83,7 +83,10 @@ void SameFileDeleteViewController::delDuplicateItems() {
     m_progressNum = 1;
     m_removalTimer.start();
     deleteUpView();
+}
 
+void SameFileDeleteViewController::delDuplicateItems() {
+    showRemoving();
     m_removal->plan = planOf(*m_parts.files, m_removal->ticked);
     std::shared_ptr<RemovalList> list = m_removal->plan;
     if (m_removal->isToTrash)
@@ -108,9 +111,10 @@ void SameFileDeleteViewController::deleteUpView() {
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
-    const QString done = !m_removal->plan->compares() ? tr("%1 of %2")
-                         : m_removal->isToTrash       ? tr("Compared again and moved: %1 of %2")
-                                                      : tr("Compared again and removed: %1 of %2");
+    const QString done = m_removal->sharing             ? tr("Shared: %1 of %2")
+                         : !m_removal->plan->compares() ? tr("%1 of %2")
+                         : m_removal->isToTrash         ? tr("Compared again and moved: %1 of %2")
+                                                : tr("Compared again and removed: %1 of %2");
     m_views->countsLabel->setText(done.arg(QLocale().toString(qulonglong(progress.done)),
                                            QLocale().toString(qulonglong(progress.of))));
 }
@@ -198,6 +202,7 @@ void SameFileDeleteViewController::stopRemoveBtnClicked() {
 void SameFileDeleteViewController::giveUp() {
     m_plans.stop();
     m_history.stop();
+    m_sharing.stop();
     if (m_state != State::Agreed) {
         stopRemoveBtnClicked();
         return;

@@ -27,6 +27,7 @@ namespace {
 constexpr QKeyCombination openPlanKeys = Qt::CTRL | Qt::SHIFT | Qt::Key_P;
 constexpr QKeyCombination historyKeys = Qt::CTRL | Qt::Key_H;
 constexpr QKeyCombination saveKeys = Qt::CTRL | Qt::Key_S;
+constexpr QKeyCombination shareKeys = Qt::CTRL | Qt::SHIFT | Qt::Key_S;
 constexpr QKeyCombination againKeys = Qt::CTRL | Qt::Key_R;
 constexpr QKeyCombination viewKeys = Qt::CTRL | Qt::Key_L;
 
@@ -85,6 +86,9 @@ void SameFileDeleteViewController::showWayMenu() {
         menu->addAction(isToTrash ? tr("Move to Trash\u2026") : tr("Remove for Good\u2026"), this,
                         [this, isToTrash] { ask(isToTrash); })
             ->setEnabled(isAnyTicked);
+    addMoreEntry(*menu, tr("Share the Space\u2026"), shareKeys, *this,
+                 &SameFileDeleteViewController::shareTicked)
+        ->setEnabled(isAnyTicked);
     menu->addSeparator();
     addMoreEntry(*menu, tr("Save Plan\u2026"), saveKeys, *this,
                  &SameFileDeleteViewController::savePlan)
@@ -101,7 +105,7 @@ void SameFileDeleteViewController::showWayMenu() {
     const QWidget& button = *m_views->otherWayBtn;
     const QSize size = menu->sizeHint();
     menu->popup(button.mapToGlobal(QPoint(button.width() - size.width(), -size.height())));
-    menu->setActiveAction(menu->actions().at(isAnyTicked ? 1 : 4));
+    menu->setActiveAction(menu->actions().at(isAnyTicked ? 1 : 5));
 }
 
 void SameFileDeleteViewController::savePlan() {
@@ -121,7 +125,7 @@ void SameFileDeleteViewController::showHistory() {
 }
 
 void SameFileDeleteViewController::deskChanged() {
-    m_isAtDesk = m_plans.isRunning() || m_history.isRunning();
+    m_isAtDesk = m_plans.isRunning() || m_history.isRunning() || m_sharing.isLooking();
     setRemoveButtonState();
 }
 
@@ -142,8 +146,8 @@ void SameFileDeleteViewController::takeOutGone(const std::vector<PlanDesk::Settl
             const TreeNode::Pointer& leaf = group.childAtIndex(i);
             const auto found = byPath.find(simpleData(*leaf)->name());
             if (found == byPath.end()) continue;
-            const auto& [path, isGone, changed] = *found->second;
-            if (changed) excuses.push_back({leaf, *changed, isGone});
+            const auto& [path, isGone, changed, namesMade] = *found->second;
+            if (changed) excuses.push_back({leaf, *changed, isGone, namesMade});
             if (!isGone) continue;
             gone[i] = 1;
             leaves.push_back(leaf);

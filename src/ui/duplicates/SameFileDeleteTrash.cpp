@@ -14,6 +14,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/shareWords.h"
 #include "ui/duplicates/trashWords.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
@@ -122,11 +123,16 @@ void SameFileDeleteViewController::showRemovalEnded() {
     const bool isToTrash = m_removal && m_removal->isToTrash;
     const RemovalOutcome outcome = m_removal ? m_removal->outcome : RemovalOutcome{};
     const auto undone = m_removal ? m_removal->undone : std::nullopt;
+    const auto shared =
+        m_removal && m_removal->sharing ? std::optional(sharedOf(*m_removal)) : std::nullopt;
     ResultFrame::showLine(*m_views->removedLine, undone      ? backText(*undone)
                                                  : isToTrash ? movedText(outcome)
+                                                 : shared    ? sharedText(*shared)
                                                              : removedText(outcome));
+    m_views->removedLine->setToolTip(shared ? gainTip(*shared) : QString());
     ResultFrame::showLine(*m_views->failureLine, undone      ? leftText(*undone)
                                                  : isToTrash ? unmovedText(outcome)
+                                                 : shared    ? unsharedText(outcome)
                                                              : stayedText(outcome));
     m_views->undoBtn->setVisible(isToTrash && !m_removal->undoable->undoId().empty() &&
                                  (!undone || undone->stopped));
@@ -140,7 +146,9 @@ void SameFileDeleteViewController::showFailures() {
         showLineList(m_mainWindow, tr("Could not be brought back"), leftLines(*m_removal->undone));
     else
         showLineList(m_mainWindow,
-                     m_removal->isToTrash ? tr("Could not be moved") : tr("Could not be removed"),
+                     m_removal->sharing     ? tr("Keep their own space")
+                     : m_removal->isToTrash ? tr("Could not be moved")
+                                            : tr("Could not be removed"),
                      linesByReason(m_removal->outcome.stayed));
 }
 

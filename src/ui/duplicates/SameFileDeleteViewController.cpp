@@ -142,6 +142,7 @@ void SameFileDeleteViewController::connectControls() {
     onKey(Qt::CTRL | Qt::Key_K, &Self::showKeepMenu);
     onKey(Qt::CTRL | Qt::Key_L, &Self::showViewMenu);
     onKey(Qt::CTRL | Qt::Key_S, &Self::savePlan);
+    onKey(Qt::CTRL | Qt::SHIFT | Qt::Key_S, &Self::shareTicked);
     views.detailView->installEventFilter(this);
     connect(views.stopRemoveBtn, &QAbstractButton::clicked, this, &Self::stopRemoveBtnClicked);
     connect(views.lockButton, &QAbstractButton::clicked, this, &Self::unlockRigths);
@@ -380,7 +381,9 @@ void SameFileDeleteViewController::showFitting() {
     const bool isEmpty = m_results.tree(0) == nullptr || m_results.tree(0)->numberOfChildren() == 0;
     const bool removedAll = isEmpty && m_removal != nullptr;
     views.emptyLabel->setText(search && search->rootError() ? tr("This folder could not be read.")
-                              : removedAll                  ? tr("No duplicates are left here.")
+                              : removedAll && m_removal->sharing
+                                  ? tr("Nothing here takes its space twice any more.")
+                              : removedAll ? tr("No duplicates are left here.")
                                            : tr("No two files here are the same."));
     views.content->setCurrentWidget(isEmpty ? views.emptyView
                                             : static_cast<QWidget*>(views.outline));

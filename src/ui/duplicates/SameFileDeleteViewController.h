@@ -1,9 +1,10 @@
-// SameFileDeleteViewController: the page of the duplicate finder. Nine sources: this class's
+// SameFileDeleteViewController: the page of the duplicate finder. Ten sources: this class's
 // search, SameFileDeleteTicks.cpp its boxes and titles, SameFileDeleteKeeping.cpp the ticks of
 // whole views by rule and folder, SameFileDeleteRemoval.cpp its removal, SameFileDeleteTrash.cpp
-// the way to the trash and back, SameFileDeleteSheets.cpp plans and history,
-// SameFileDeleteRows.cpp what is done with one row, SameFileDeleteFolders.cpp the look of the list.
-// The decisions stand in engine/duplicates/results.
+// the way to the trash and back, SameFileDeleteSharing.cpp what shares its space instead,
+// SameFileDeleteSheets.cpp plans and history, SameFileDeleteRows.cpp what is done with one row,
+// SameFileDeleteFolders.cpp the look of the list. The decisions stand in
+// engine/duplicates/results.
 #pragma once
 
 #include <QIcon>
@@ -33,6 +34,7 @@
 #include "platform/fileTypes.h"
 #include "ui/duplicates/HistoryDesk.h"
 #include "ui/duplicates/PlanDesk.h"
+#include "ui/duplicates/ShareErrand.h"
 #include "ui/duplicates/UndoErrand.h"
 #include "ui/kit/controls/DragView.h"
 #include "ui/kit/controls/PathAnimation.h"
@@ -127,6 +129,8 @@ public Q_SLOTS:
     void setAllSelectOrNoSelect();
     void removeBtnClicked();
     void showWayMenu();
+    /// Asks, and lets what is ticked have its bytes in common with the copies that stay.
+    void shareTicked();
     void undoBtnClicked();
     /// Searches what was searched last.
     void searchAgain();
@@ -241,6 +245,12 @@ private:
     void whenTicksMayGo(std::function<void()> then);
     void undoEnded(const UndoErrand::Result& result);
 
+    // Sharing the space.
+    void askAboutSharing(const ShareOutlook& outlook);
+    void beginSharing(const std::shared_ptr<ShareList>& list, bool mayLink);
+    void sharingNews();
+    void sharingEnded();
+
     // Plans and history.
     void connectDesks();
     void deskChanged();
@@ -255,6 +265,7 @@ private:
     void agree(bool isToTrash);
     void doRemoveDuplicateAction();
     void delDuplicateItems();
+    void showRemoving();
     void deleteUpView();
     void removalNews();
     void refreshOutlineView(const std::vector<RemovalJob::Settled>& settled);
@@ -303,6 +314,7 @@ private:
     UndoErrand m_undoing{m_parts};
     PlanDesk m_plans{m_parts};
     HistoryDesk m_history{m_parts};
+    ShareErrand m_sharing{m_parts};
     bool m_isAtDesk = false;      // something goes or comes back in one of their sheets
     bool m_isTrashFirst = false;  // as the buttons show it
     std::string m_searchPath;

@@ -247,7 +247,7 @@ void SameFileDeleteViews::fillBottom() {
     gainLabel->hide();
     otherWayBtn = named(new HoverButton, "otherWayBtn", tr("More"));
     otherWayBtn->setText(QStringLiteral("\u25BE"));
-    otherWayBtn->setToolTip(tr("To the trash or for good, plans, removals of 30 days"));
+    otherWayBtn->setToolTip(tr("To the trash or for good, sharing, plans, removals of 30 days"));
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
     stopRemoveBtn->hide();

@@ -197,14 +197,16 @@ void RemovalPlan::excuse(std::span<const Excuse> excuses) {
     struct File {
         std::int64_t changed = 0;
         std::uint32_t namesGone = 0;
+        std::uint32_t namesMade = 0;
     };
     std::map<const TreeNode*, std::map<std::pair<std::uint64_t, std::uint64_t>, File>> byGroup;
-    for (const auto& [leaf, changed, gone] : excuses)
+    for (const auto& [leaf, changed, gone, namesMade] : excuses)
         if (const auto& identity = simpleData(*leaf)->identity();
             identity && leaf->nodeParent() != nullptr) {
             File& file = byGroup[leaf->nodeParent()][fileOf(identity)];
             file.changed = changed;
             file.namesGone += gone ? 1U : 0U;
+            file.namesMade += namesMade;
         }
     for (const auto& [group, files] : byGroup)
         for (std::size_t i = 0; i < group->numberOfChildren(); ++i) {
@@ -214,8 +216,8 @@ void RemovalPlan::excuse(std::span<const Excuse> excuses) {
             identity->changed = file->second.changed;
             SimpleNodeData& data = *simpleData(*group->childAtIndex(i));
             data.setIdentity(identity);
-            data.setHardLinks(data.hardLinks() -
-                              std::min(data.hardLinks() - 1, file->second.namesGone));
+            const std::uint32_t names = data.hardLinks() + file->second.namesMade;
+            data.setHardLinks(names - std::min(names - 1, file->second.namesGone));
         }
 }
 

@@ -76,12 +76,13 @@ public:
     /// doing: exactly that one is excused.
     void settled(std::size_t index, const RemovalResult& result) override;
 
-    /// A leaf whose file got this time of change by our own doing, as it was told, and whether this
-    /// name of it is gone.
+    /// A leaf whose file got this time of change by our own doing, as it was told, whether this
+    /// name of it is gone, and how many further ones it got.
     struct Excuse {
         TreeNode::Pointer leaf;
         std::int64_t changed = 0;
         bool gone = false;
+        std::uint32_t namesMade = 0;
     };
     /// The same for the tree, so that a further removal of the same result knows it, and how many
     /// names are left. Main thread, before the leaves leave their groups.

@@ -10,6 +10,7 @@
 #include "engine/duplicates/share/shareContents.h"
 #include "engine/duplicates/share/shareReasons.h"
 #include "engine/removal/stayReasons.h"
+#include "engine/removal/stayedWith.h"
 #include "platform/error.h"
 #include "platform/files.h"
 #include "platform/freeSpace.h"

@@ -62,6 +62,16 @@ ShareList::ShareList(const FileSystem& files, const DuplicatePlan& plan)
         }
 }
 
+void ShareList::turnHasCome() {
+    m_copies.turnHasCome();
+    if (m_isMeasured) m_freeBefore = freeSpaceBehind(m_folders);
+}
+
+std::optional<std::int64_t> ShareList::gained() const {
+    const auto free = m_freeBefore ? freeSpaceBehind(m_folders) : std::nullopt;
+    return free ? std::optional(*free - *m_freeBefore) : std::nullopt;
+}
+
 // A name that the search left out may lie in a protected folder.
 std::string_view ShareList::objectionToLink(const KeptCopy& kept, std::uint32_t names) {
     const FileKey file{kept.identity.device, kept.identity.inode};
@@ -95,6 +105,7 @@ void ShareList::settled(std::size_t index, const RemovalResult& result) {
         account.as = As::Stayed;
         account.reason = result.failures.front().reason;
     }
+    account.changed = result.changed;
     m_copies.settled(index, result);
 }
 

@@ -23,7 +23,7 @@ public:
     ShareList(const FileSystem& files, const DuplicatePlan& plan);
 
     void prepare() override { m_copies.prepare(); }
-    void turnHasCome() override { m_copies.turnHasCome(); }
+    void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override { return m_copies.size(); }
     [[nodiscard]] std::string path(std::size_t index) const override {
         return m_copies.path(index);
@@ -51,13 +51,18 @@ public:
         enum class As : std::uint8_t { NotReached, Shared, GoneByOthers, Stayed };
         As as = As::NotReached;
         RemovalResult::Shared shared = {};
-        std::string reason = {};  ///< why it keeps its own bytes
+        std::string reason = {};                             ///< why it keeps its own bytes
+        std::optional<std::int64_t> changed = std::nullopt;  ///< RemovalResult::changed
     };
     [[nodiscard]] const std::vector<Settled>& account() const { return m_account; }
     /// What the entries had on the disk for themselves, and give back at the most.
     [[nodiscard]] std::uint64_t promised() const { return m_promised; }
-    /// The folders that hold them, each once.
-    [[nodiscard]] const std::set<std::string>& folders() const { return m_folders; }
+
+    /// Before the job: has the removing thread ask what is free when the turn has come.
+    void measureGain() { m_isMeasured = true; }
+    /// By how much the free space grew since then, once the job has ended; nothing where a disk
+    /// does not tell. May wait for slow disks.
+    [[nodiscard]] std::optional<std::int64_t> gained() const;
 
 private:
     using FileKey = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
@@ -67,7 +72,9 @@ private:
     bool m_hasProtected;  // folders
     std::set<FileKey> m_protectedFiles;
     std::map<FileKey, std::uint32_t> m_names;  // that the plan knows, and that were made since
-    std::set<std::string> m_folders;
+    std::set<std::string> m_folders;           // of what goes
+    bool m_isMeasured = false;
+    std::optional<std::int64_t> m_freeBefore;
     std::vector<Settled> m_account;
     std::uint64_t m_promised = 0;
 };

@@ -8,6 +8,7 @@
 #include "engine/duplicates/share/shareReasons.h"
 #include "engine/removal/nameOfLink.h"
 #include "engine/removal/stayReasons.h"
+#include "engine/removal/stayedWith.h"
 #include "platform/error.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -69,14 +70,6 @@ std::optional<StayedEntry> linkOverAside(const FileSystem& files, SetAside& asid
 }
 
 }  // namespace
-
-RemovalResult stayedWith(StayedEntry why) {
-    RemovalResult result;
-    result.refused = why.kind != StayReason::Rights && why.kind != StayReason::System;
-    result.failed = 1;
-    result.failures.push_back(std::move(why));
-    return result;
-}
 
 RemovalResult sharedBy(RemovalResult::Shared::By by, const SharePair& pair, std::uint64_t bytes) {
     RemovalResult result;

@@ -41,9 +41,7 @@ struct SharePair {
                                      const SharePair& pair, const LeavingEntry& entry,
                                      const std::atomic<bool>& stop);
 
-/// A result that tells why nothing was done.
-[[nodiscard]] RemovalResult stayedWith(StayedEntry why);
-/// One that tells how the two have their bytes in common, and what that gives back.
+/// A result that tells how the two have their bytes in common, and what that gives back.
 [[nodiscard]] RemovalResult sharedBy(RemovalResult::Shared::By by, const SharePair& pair,
                                      std::uint64_t bytes);
 

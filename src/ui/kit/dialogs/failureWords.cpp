@@ -51,6 +51,23 @@ constexpr std::array whole{
     QT_TRANSLATE_NOOP("Reason", "the trash is in it"),
     QT_TRANSLATE_NOOP("Reason", "it is in the trash"),
     QT_TRANSLATE_NOOP("Reason", "it is a part of the trash"),
+    // What keeps its own space where copies share it
+    QT_TRANSLATE_NOOP("Reason", "its file system can not let files have their space in common"),
+    QT_TRANSLATE_NOOP("Reason",
+                      "its file system does not let these two have their space in common"),
+    QT_TRANSLATE_NOOP("Reason", "the copy that stays is on another file system"),
+    QT_TRANSLATE_NOOP("Reason", "only files can have their space in common"),
+    QT_TRANSLATE_NOOP("Reason",
+                      "the copy that stays is protected, and a hard link would let it change"),
+    QT_TRANSLATE_NOOP("Reason", "the copy that stays has further names, which may be protected"),
+    QT_TRANSLATE_NOOP(
+        "Reason",
+        "owner, group, rights or extended attributes are not those of the copy that stays"),
+    QT_TRANSLATE_NOOP("Reason", "it is marked as not to be changed"),
+    QT_TRANSLATE_NOOP("Reason", "anybody may put files into the folder that it is in"),
+    QT_TRANSLATE_NOOP("Reason", "nothing can be set aside in the folder that it is in"),
+    QT_TRANSLATE_NOOP("Reason", "the copy that stays has as many names as its file system allows"),
+    QT_TRANSLATE_NOOP("Reason", "it is a part of a copy that stays"),
     // What was moved to the trash, and did not come back
     QT_TRANSLATE_NOOP("Reason", "it could not be noted for undo"),
     QT_TRANSLATE_NOOP("Reason", "it is not in the trash any more"),

@@ -1,0 +1,141 @@
+// Copies that share their space instead of going: the question, what it does, the line about what
+// came of it, and what the list knows of it afterwards.
+#include <QCoreApplication>
+#include <QTest>
+
+#include "support/test.h"
+#include "ui/duplicates/shareWords.h"
+#include "ui/support/PageWindow.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::someBytes;
+
+/// In a folder of a file system that knows hard links alone, but for where a test says otherwise.
+class PageSharing : public ::testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* name : {"f/a/two.txt", "f/b/two.txt"})
+            ASSERT_TRUE(disk.write(name, someBytes(30000, 1)));
+        for (const char* name : {"f/a/three.jpg", "f/b/three.jpg", "f/c/three.jpg"})
+            ASSERT_TRUE(disk.write(name, someBytes(10000, 2)));
+    }
+    /// Asks by the key, and has this answer taken.
+    bool ask(int answer) {
+        const std::size_t asked = on.dialogs.alerts().size();
+        on.dialogs.willAnswer(answer);
+        QTest::keyClick(&on.control("outline"), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        const bool isAsked = on.waitFor([&] { return on.dialogs.alerts().size() > asked; });
+        QCoreApplication::processEvents();
+        return isAsked;
+    }
+    [[nodiscard]] const Alert& question() const { return on.dialogs.alerts().back(); }
+    [[nodiscard]] std::uint32_t names(const char* name) const {
+        return attributesOf(disk.at(name)).links;
+    }
+
+    TestTree disk{"/dev/shm"};
+    testing::PageWindow on;
+};
+
+TEST_F(PageSharing, HardLinksAreMadeWhereNothingElseIsPossibleAndWhatSharesLeavesTheList) {
+    ASSERT_TRUE(disk.setMode("f/b/two.txt", 0600));
+    ASSERT_TRUE(on.search(disk.at("f")));
+    on.tick("two.txt", "b/two.txt");
+    on.tick("three.jpg", "c/three.jpg");
+    ASSERT_TRUE(ask(1));
+    EXPECT_EQ(question().title, QStringLiteral("Share the space of the copies that stay?"));
+    EXPECT_EQ(question().text.toStdString(),
+              "1 file, up to 12.29 KB, by a hard link alone: it becomes another name of the copy "
+              "that stays. They are one file then, and a change to one is a change to both.\n\n"
+              "1 keeps its own space.");
+    EXPECT_EQ(question().buttons,
+              (QStringList{QStringLiteral("Make Hard Links"), QStringLiteral("Cancel")}));
+    EXPECT_TRUE(on.page().bSearchFinished() && names("f/c/three.jpg") == 1);
+
+    ASSERT_TRUE(ask(0));
+    ASSERT_SOON(on.isShown("removedLine"));
+    EXPECT_EQ(names("f/c/three.jpg"), 2U);
+    EXPECT_EQ(on.textOf("removedLine").find("1 shared"), 0U);
+    EXPECT_NE(
+        on.control("removedLine").toolTip().indexOf(QStringLiteral("of 12.29 KB at the most")), -1);
+    EXPECT_EQ(on.textOf("failureLine"), "1 not shared");
+    EXPECT_NE(on.linesBehind("failureLine").find("owner, group, rights or extended attributes"),
+              std::string::npos);
+    EXPECT_THAT(on.list(), ::testing::StartsWith("three.jpg 0 0/2: ..\ntwo.txt 2 1/2: "))
+        << "stays ticked";
+
+    // Of the two names that one file has now the list knows: its new time of change, and that a
+    // removal of one gives nothing back.
+    const bool isFirst = names("f/a/three.jpg") == 2;
+    on.tick("two.txt", "b/two.txt");
+    on.tick("three.jpg", isFirst ? "a/three.jpg" : "b/three.jpg");
+    EXPECT_EQ(on.textOf("gainLabel"), "Nothing can be gained");
+    ASSERT_TRUE(on.remove());
+    EXPECT_EQ(on.textOf("removedLine").find("1 removed"), 0U);
+    EXPECT_FALSE(on.isShown("failureLine"));
+}
+
+TEST_F(PageSharing, WithoutAWayItIsOnlySaid) {
+    ASSERT_TRUE(on.search(disk.at("f")));
+    on.tick("two.txt", "a/two.txt");
+    on.dialogs.willAnswer(0);
+    on.tick("two.txt", "b/two.txt");
+    ASSERT_SOON(on.textOf("titleLabel").find("selected 2") != std::string::npos);
+    ASSERT_TRUE(ask(0));
+    EXPECT_EQ(question().title, QStringLiteral("Nothing here can share its space"));
+    EXPECT_EQ(question().text,
+              QStringLiteral("1 group is left out: all its copies are ticked, and one stays."));
+    EXPECT_TRUE(on.page().bSearchFinished() && names("f/a/two.txt") == 1);
+    EXPECT_FALSE(on.isShown("removedLine"));
+}
+
+TEST_F(PageSharing, ALookThatTakesLongCanBeStopped) {
+    ASSERT_TRUE(on.search(disk.at("f")));
+    on.tick("two.txt", "a/two.txt");
+    on.reading.shut();
+    QTest::keyClick(&on.control("outline"), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_FALSE(on.page().bSearchFinished()) << "nobody ticks anything else meanwhile";
+    ASSERT_SOON(on.window->window()->findChild<QWidget*>(QStringLiteral("shareLookPanel")));
+    on.click("shareLookStop");
+    EXPECT_TRUE(on.page().bSearchFinished());
+    on.reading.open();
+    ASSERT_SOON(!on.window->window()->findChild<QWidget*>(QStringLiteral("shareLookPanel")));
+    EXPECT_TRUE(on.isEnabled("stopBtn") && on.dialogs.alerts().empty());
+}
+
+TEST(ShareWords, TheQuestionHasAButtonForEachWay) {
+    struct Case {
+        ShareOutlook outlook;
+        const char* text;
+        const char* buttons;
+        std::optional<ShareYes> first, third;
+    };
+    const Case cases[] = {
+        {{.extents = {2, 3000}, .already = 2, .noFiles = 1},
+         "2 files, up to 3.00 KB: each stays a file of its own.\n\n2 have nothing to give.\n"
+         "1 folder or link is left out: only files can have their space in common.",
+         "Share, Cancel",
+         ShareYes::Extents,
+         ShareYes::Links},
+        {{.extents = {1, 3000}, .links = {2, 5000}},
+         "1 file, up to 3.00 KB: it stays a file of its own.\n\n2 files, up to 5.00 KB, by hard "
+         "links alone: they become other names of the copies that stay. That is one file then, "
+         "and a change to one is a change to all.",
+         "Share, Cancel, With Hard Links Too",
+         ShareYes::Extents,
+         ShareYes::Links},
+        {{.already = 1}, "1 has nothing to give.", "OK", std::nullopt, std::nullopt}};
+    for (const Case& each : cases) {
+        const Alert question = shareQuestion(each.outlook);
+        EXPECT_EQ(question.text.toStdString(), each.text);
+        EXPECT_EQ(question.buttons.join(QStringLiteral(", ")).toStdString(), each.buttons);
+        EXPECT_TRUE(shareYesOf(each.outlook, 0) == each.first);
+        EXPECT_TRUE(shareYesOf(each.outlook, 2) == each.third);
+        EXPECT_FALSE(shareYesOf(each.outlook, 1) || shareYesOf(each.outlook, -1));
+    }
+}
+
+}  // namespace
+}  // namespace orrinvale
