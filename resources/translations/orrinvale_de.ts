@@ -3363,18 +3363,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>In Spalten zeigen</translation>
     </message>
     <message>
-        <source>As much as then in %1</source>
-        <translation>So viel wie damals in %1</translation>
-    </message>
-    <message>
-        <source>%1 more in %2</source>
-        <translation>%1 mehr in %2</translation>
-    </message>
-    <message>
-        <source>%1 less in %2</source>
-        <translation>%1 weniger in %2</translation>
-    </message>
-    <message>
         <source>Only a scan that came to its end can be compared</source>
         <translation>Nur ein Suchlauf, der bis zum Ende kam, lässt sich vergleichen</translation>
     </message>
@@ -3401,6 +3389,18 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>The scans could not be forgotten.</source>
         <translation>Die Suchläufe konnten nicht vergessen werden.</translation>
+    </message>
+    <message>
+        <source>As much as then</source>
+        <translation>So viel wie damals</translation>
+    </message>
+    <message>
+        <source>%1 more</source>
+        <translation>%1 mehr</translation>
+    </message>
+    <message>
+        <source>%1 less</source>
+        <translation>%1 weniger</translation>
     </message>
 </context>
 <context>

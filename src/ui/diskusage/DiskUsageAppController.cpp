@@ -224,6 +224,9 @@ void DiskUsageAppController::showFitting() {
                                          ? tr("This folder is empty.")
                                          : tr("This folder could not be read."));
     const bool isMap = m_shownAs == ShownAs::Map && m_state != State::Scanning;
+    // They are for the item of the columns.
+    for (QWidget* const each : {m_views->openFinderBtn, m_views->revealFinderBtn})
+        if (m_state == State::Result) each->setVisible(!showsChanges());
     m_views->shown->setCurrentWidget(isEmpty          ? m_views->emptyView
                                      : isMap          ? m_views->mapView
                                      : showsChanges() ? static_cast<QWidget*>(m_views->changes)
@@ -237,7 +240,7 @@ void DiskUsageAppController::showTitle() {
     const QString path = onOneLine(QString::fromStdString(scanned->shown->tree->rootPath()));
     if (m_state == State::Scanning && !m_isRescan)
         m_views->titleLabel->setText(tr("Reading %1").arg(path));
-    else if (showsChanges()) m_views->titleLabel->setText(changesTitle(path));
+    else if (showsChanges()) m_views->titleLabel->setText(changesTitle());
     else if (scanned->shown->limit == 0)
         m_views->titleLabel->setText(tr("%1 in %2").arg(sizeWords(root, false), path));
     else

@@ -183,7 +183,7 @@ private:
     void showChanges();
     void endComparison();
     [[nodiscard]] bool showsChanges() const;
-    [[nodiscard]] QString changesTitle(const QString& path) const;
+    [[nodiscard]] QString changesTitle() const;
     [[nodiscard]] QString compareTip(const Scanned* scanned) const;
     [[nodiscard]] QString grownText(const Scanned* scanned) const;
     void compareWithOffered();

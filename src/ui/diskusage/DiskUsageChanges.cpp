@@ -62,16 +62,16 @@ bool DiskUsageAppController::showsChanges() const {
            found->second.shown->compared != nullptr;
 }
 
-// What there is now, after a removal too.
-QString DiskUsageAppController::changesTitle(const QString& path) const {
+// What there is now, after a removal too. Which place it is the left side shows, and since when the
+// button beside, so that the figure has room in a narrow window.
+QString DiskUsageAppController::changesTitle() const {
     const ShownScan& shown = *m_scans.find(m_selectedPath)->second.shown;
     const std::uint64_t before = shown.compared->root().sizeBefore;
     const std::uint64_t now = shown.tree->root().size();
-    if (now == before) return tr("As much as then in %1").arg(path);
-    return (now > before ? tr("%1 more in %2") : tr("%1 less in %2"))
+    if (now == before) return tr("As much as then");
+    return (now > before ? tr("%1 more") : tr("%1 less"))
         .arg(aboutText(bytesWords(now > before ? now - before : before - now),
-                       shown.compared->root().isPartial),
-             path);
+                       shown.compared->root().isPartial));
 }
 
 void DiskUsageAppController::willDisplayChange(FileSystemBrowserCell& cell,

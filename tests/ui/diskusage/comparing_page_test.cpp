@@ -78,7 +78,8 @@ TEST(DiskUsagePage, TellsWhatChangedSinceAKeptScan) {
     ASSERT_TRUE(on.waitFor([&] { return on.isShown("changes"); }));
     EXPECT_EQ(on.changes(0),
               "films, +7.00 MB, mostly new; big.iso, +1.00 MB; Files under 1.00 MB, +5.00 KB");
-    EXPECT_TRUE(on.textOf("titleLabel").starts_with("8.01 MB more in ")) << on.textOf("titleLabel");
+    EXPECT_EQ(on.textOf("titleLabel"), "8.01 MB more");
+    EXPECT_FALSE(on.isShown("openFinderBtn")) << "what would it open";
     on.window.activateWindow();  // the menu was active
     ASSERT_TRUE(QTest::qWaitForWindowActive(&on.window));
     // By the keyboard into the folder, and from there to the entry in the columns.
@@ -166,8 +167,7 @@ TEST(DiskUsagePage, ARemovalIsGoneFromTheComparisonToo) {
     ASSERT_TRUE(on.remove(0));
     ASSERT_FALSE(isThere(on.tree.at("data/films/new")));
     on.click("changesBtn");
-    EXPECT_TRUE(on.textOf("titleLabel").starts_with("995.00 KB less in "))
-        << on.textOf("titleLabel");
+    EXPECT_EQ(on.textOf("titleLabel"), "995.00 KB less");
     EXPECT_EQ(on.changes(0), "films, -2.00 MB; big.iso, +1.00 MB; Files under 1.00 MB, +5.00 KB");
     on.control<ColumnBrowser>("changes").choose(0, 0);
     EXPECT_EQ(on.changes(1), "new, 0.00 KB, removed; two.mkv, -2.00 MB, gone");
