@@ -48,6 +48,10 @@ void SameFileDeleteViewController::showWays() {
                                                     : count + u", " + m_views->gainLabel->text());
     first.setToolTip(m_isTrashFirst ? tr("Move selected files to the trash")
                                     : tr("Remove selected file"));
+    // Where nothing is ticked the bottom line needs the room for what went.
+    m_views->otherWayBtn->setEnabled(bSearchFinished());
+    m_views->otherWayBtn->setVisible(bSearchFinished() &&
+                                     (sums.copies != 0 || m_views->removedLine->isHidden()));
 }
 
 void SameFileDeleteViewController::removeBtnClicked() { ask(m_isTrashFirst); }
@@ -137,7 +141,7 @@ void SameFileDeleteViewController::showRemovalEnded() {
     m_views->undoBtn->setVisible(isToTrash && !m_removal->undoable->undoId().empty() &&
                                  (!undone || undone->stopped));
     m_views->againBtn->setVisible(undone.has_value());
-    for (HoverButton* const each : {m_views->undoBtn, m_views->againBtn}) each->setEnabled(true);
+    showWays();
 }
 
 void SameFileDeleteViewController::showFailures() {

@@ -198,7 +198,7 @@ StateTable SameFileDeleteViewController::stateTable() const {
         {views.againBtn, {Kept, Kept, Kept, Kept, Kept, Kept, Hidden, Hidden, Hidden, Hidden}},
         {views.stopRemoveBtn,
          {Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, Hidden, On, Off, On}},
-        {views.otherWayBtn, {Off, Off, Off, On, Off, On, Off, Hidden, Hidden, Hidden}},
+        {views.otherWayBtn, {Off, Off, Off, Kept, Off, Kept, Off, Hidden, Hidden, Hidden}},
         {views.stopBtn, {Off, Off, Off, Shown, Shown, Shown, Off, Hidden, Off, Hidden}},
     };
 }

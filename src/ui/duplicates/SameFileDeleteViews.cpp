@@ -227,6 +227,15 @@ void SameFileDeleteViews::fillContent() {
 }
 
 void SameFileDeleteViews::fillBottom() {
+    // One that gives way, beside Undo.
+    auto* const line = named(new ElidedLabel, "removedLine");
+    line->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    line->setFont(removedLine->font());
+    line->setForegroundRole(QPalette::PlaceholderText);
+    line->hide();
+    bottom->replaceWidget(removedLine, line);
+    delete removedLine;
+    removedLine = line;
     removedLine->setContentsMargins(Theme::gapSmall, 0, Theme::gapSmall, 0);
     undoBtn = named(new HoverButton, "undoBtn");
     undoBtn->setText(tr("Undo"));
