@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <QAbstractButton>
 #include <QHeaderView>
 #include <QMenu>
 #include <QTest>
@@ -34,7 +35,9 @@ protected:
     QTreeView& files() { return on.control<QTreeView>("filesList"); }
     void show(int segment) {
         on.control<SegmentedControl>("viewSwitch").segment(segment)->click();
-        if (segment == 1) EXPECT_TRUE(comes(5));
+        if (segment == 1) {
+            EXPECT_TRUE(comes(5));
+        }
     }
     bool comes(int rows) {
         return on.waitFor([=, this] { return files().model()->rowCount() == rows; });
