@@ -1,4 +1,5 @@
 // ListFileViewController: the boxes, opening and closing, and what is done with one row.
+#include <QItemSelectionModel>
 #include <QMenu>
 #include <QPointer>
 
@@ -47,11 +48,14 @@ void ListFileViewController::connectList(TickOutline& list) {
         showFitting();
         showTicked();
         if (isInList) shownOutline().setFocus();
+        showPreview();
     });
+    connect(list.selectionModel(), &QItemSelectionModel::currentChanged, this, &Self::showPreview);
     connect(m_files.get(), &LargestFilesDesk::boxClicked, this,
             [this](FileNode* node) { fileBoxClicked(*node); });
     connect(m_files.get(), &LargestFilesDesk::headerClicked, this, &Self::selectListed);
     connect(m_files.get(), &LargestFilesDesk::changed, this, &Self::showTicked);
+    connect(m_files.get(), &LargestFilesDesk::changed, this, &Self::showPreview);
 }
 
 void ListFileViewController::setAllSelectOrNoSelect() {
@@ -139,7 +143,7 @@ void ListFileViewController::preview(const QModelIndex& index) {
 // Of the row that the keyboard is at: what is large has no copy to stand beside it.
 void ListFileViewController::showPreview() {
     PreviewSubject subject;
-    if (const FileNode* const node = m_model->node(m_views->outlineView->currentIndex())) {
+    if (const FileNode* const node = shownNode(shownOutline().currentIndex())) {
         subject.chosen = node->path();
         subject.paths = {subject.chosen};
         subject.total = 1;

@@ -45,6 +45,7 @@ ListFileViews::ListFileViews()
     constexpr int leastBeside = 1000;  // with less names give way to their paths
     previewHost = new PreviewHost(*content, *previewPane, leastBeside);
     previewHost->addList(*outlineView, *outlineView);
+    previewHost->addList(*filesView, *filesView->filesList);
 }
 
 ListFileViews::~ListFileViews() {

@@ -7,6 +7,7 @@
 
 #include "support/ServedFiles.h"
 #include "ui/kit/chrome/TCImageWindow.h"
+#include "ui/kit/controls/SegmentedControl.h"
 #include "ui/preview/PreviewHost.h"
 #include "ui/preview/PreviewLook.h"
 #include "ui/preview/PreviewPane.h"
@@ -80,6 +81,19 @@ TEST_F(PreviewBesideLargeFiles, FollowsTheArrowsByKeysAlone) {
     EXPECT_GT(on.control("previewPane").y(), on.control("content").y());
     EXPECT_SOON(on.outline().viewport()->rect().contains(
         on.outline().visualRect(on.outline().currentIndex()).center()));
+    // The list of files has it too, of its own row.
+    choose("folder");
+    ASSERT_SOON(words() == QStringLiteral("A folder"));
+    on.control<SegmentedControl>("viewSwitch").segment(1)->click();
+    auto& files = on.control<QTreeView>("filesList");
+    ASSERT_SOON(files.model()->rowCount() > 0);
+    ASSERT_TRUE(on.isShown("previewPane"));
+    EXPECT_FALSE(words() == QStringLiteral("A folder") && on.isShown("previewWords"));
+    files.setCurrentIndex(files.model()->index(0, 0));
+    ASSERT_SOON(on.control<PreviewLook>("previewFirst").path() == on.tree.at("f/green.bmp") ||
+                on.control<PreviewLook>("previewFirst").path() == on.tree.at("f/folder/zeros.raw"));
+    on.control<SegmentedControl>("viewSwitch").segment(0)->click();
+    ASSERT_SOON(words() == QStringLiteral("A folder"));
     on.click("backHomeButton");
     ASSERT_TRUE(on.scan(on.tree.at("f")));
     EXPECT_TRUE(on.isShown("previewPane"));
