@@ -354,7 +354,7 @@ TEST_F(Scope, ProtectedFoldersAreKnownByEveryWay) {
         const char* leaves;
     } cases[] = {
         {"none", {"a", "pp"}, {}, "a/1 a/link/3 pp/4 "},
-        {"one of two", {"a", "p"}, {"p"}, "a/1 a/link/3! p/2! "},
+        {"one of two", {"a", "p"}, {"p"}, "a/1 p/2! p/in/3! "},
         {"behind a link within", {"a", "pp"}, {"p"}, "a/1 a/link/3! pp/4 "},
         {"named through a link", {"p", "a"}, {"way/in"}, "a/1 p/2 p/in/3! "},
         {"searched through a link", {"way", "a"}, {"p/in"}, "a/1 way/2 way/in/3! "},
