@@ -11,6 +11,12 @@ if(NOT CMAKE_BUILD_TYPE)
 endif()
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
 
+# A machine that builds all of it once compiles eight sources of a library or test program as one, which is half of the work; who builds
+# it again and again is better off without. The sources of one such group share the names that are in no header: tests/tools/
+# check_groups.py finds those given twice before a group does. A local name may be that of a neighbour outside: what it hides in its own
+# source is told where each is compiled by itself.
+option(ORRINVALE_GROUPS "Compile the sources of libraries and test programs in groups" OFF)
+
 target_include_directories(orrinvale_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_definitions(orrinvale_options INTERFACE
   _FILE_OFFSET_BITS=64
@@ -18,7 +24,8 @@ target_compile_definitions(orrinvale_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
   QT_NO_CONTEXTLESS_CONNECT QT_NO_FOREACH QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
 target_compile_options(orrinvale_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+  -Wall -Wextra -Wpedantic $<$<NOT:$<BOOL:${ORRINVALE_GROUPS}>>:-Wshadow> -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wnon-virtual-dtor
   -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wextra-semi -Wundef -Werror
   -fstack-protector-strong -fno-plt)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -61,13 +68,6 @@ function(orrinvale_precompile target)
   endforeach()
 endfunction()
 
-# A machine that builds all of it once compiles eight sources of a library or test program as one, which is half of the work; who builds
-# it again and again is better off without. The sources of one such group share the names that are in no header: tests/tools/
-# check_groups.py finds those given twice before a group does.
-option(ORRINVALE_GROUPS "Compile the sources of libraries and test programs in groups" OFF)
 function(orrinvale_group target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${ORRINVALE_GROUPS} UNITY_BUILD_BATCH_SIZE 8)
-  if(ORRINVALE_GROUPS)  # a local name may be that of a neighbour; what it hides in its own source shows where each is compiled alone
-    target_compile_options(${target} PRIVATE -Wno-shadow)
-  endif()
 endfunction()
