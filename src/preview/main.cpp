@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QBuffer>
+#include <QCryptographicHash>
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
@@ -62,13 +63,17 @@ constexpr PictureSign pictureSigns[] = {
     {0, "P6\n"sv, "ppm"},
 };
 
+// The disk did not give the bytes, so that nothing is known of what the file holds.
+struct UnreadableInput {};
+
 std::size_t readAt(std::uint64_t offset, std::span<char> buffer) {
     std::size_t filled = 0;
     while (filled < buffer.size()) {
         const ssize_t got = ::pread(STDIN_FILENO, buffer.data() + filled, buffer.size() - filled,
                                     static_cast<off_t>(offset + filled));
         if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
+        if (got < 0) throw UnreadableInput();
+        if (got == 0) break;
         filled += static_cast<std::size_t>(got);
     }
     return filled;
@@ -144,7 +149,9 @@ PreviewAnswer pictureIn(QFile& file, const QByteArray& format, int side) {
     // One that is written in several passes is kept whole while it is read.
     if (image.isNull() && stored.isValid() && pixelsOf(stored) > mostShownPixels)
         return failed(PreviewFailure::TooMuchMemory);
-    if (image.isNull()) return failed(PreviewFailure::Damaged);
+    if (image.isNull())
+        return failed(file.error() == QFileDevice::ReadError ? PreviewFailure::Unreadable
+                                                             : PreviewFailure::Damaged);
     if (!stored.isValid()) stored = image.size();
     else if ((reader.transformation() & QImageIOHandler::TransformationRotate90) != 0)
         stored.transpose();
@@ -175,6 +182,12 @@ PreviewAnswer otherwise(std::string_view head, std::uint64_t size) {
         answer.encoding = text->encoding;
         answer.isCut = text->isCut || size > head.size();
         answer.content = std::move(text->text);
+        if (!answer.isCut)
+            answer.digest =
+                QCryptographicHash::hash({head.data(), static_cast<qsizetype>(head.size())},
+                                         QCryptographicHash::Sha256)
+                    .toHex()
+                    .toStdString();
     }
     return answer;
 }
@@ -208,6 +221,8 @@ int lookAtInput(std::string_view wanted) {
                  std::clamp(side, 1, static_cast<int>(mostPreviewSide))));
     } catch (const std::bad_alloc&) {
         say(failed(PreviewFailure::TooMuchMemory));
+    } catch (const UnreadableInput&) {
+        say(failed(PreviewFailure::Unreadable));
     }
     return EXIT_SUCCESS;
 }

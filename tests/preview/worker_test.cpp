@@ -154,6 +154,15 @@ TEST(PreviewWorker, IsNeverStartedForWhatIsNoFile) {
     EXPECT_EQ(without.answer.failure, Failure::NotLooked);
 }
 
+// What a failing disk does not give is not nothing: an empty text would be deleted.
+TEST(PreviewWorker, TellsWhatItCanNotReadFromWhatIsEmpty) {
+    const Descriptor file(::open("/proc/self/mem", O_RDONLY | O_CLOEXEC));  // EIO at its beginning
+    const std::string program = companionProgram(PreviewReader::programName);
+    const PreviewAnswer answer = PreviewReader::look(program, file.get(), 9, {});
+    EXPECT_EQ(answer.kind, Kind::Failed);
+    EXPECT_EQ(answer.failure, Failure::Unreadable);
+}
+
 // What a program in the decoder's place may do at worst: each of these is such a program.
 TEST(PreviewWorker, WhateverItDoesIsOverInTime) {
     TestTree tree;

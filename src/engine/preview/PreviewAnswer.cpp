@@ -43,7 +43,8 @@ constexpr MediaNumberLine mediaNumberLines[] = {{"media-width", &MediaFacts::wid
                                                 {"channels", &MediaFacts::channels},
                                                 {"rate", &MediaFacts::rate}};
 constexpr TextLine textLines[] = {{"format", &PreviewAnswer::format},
-                                  {"encoding", &PreviewAnswer::encoding}};
+                                  {"encoding", &PreviewAnswer::encoding},
+                                  {"digest", &PreviewAnswer::digest}};
 constexpr MediaTextLine mediaTextLines[] = {{"container", &MediaFacts::container},
                                             {"video", &MediaFacts::video},
                                             {"audio", &MediaFacts::audio}};

@@ -18,6 +18,7 @@ enum class PreviewFailure : std::uint8_t {
     Damaged,        ///< it begins as a picture, and is none
     TooLarge,       ///< more pixels or bytes than a look is worth
     TooMuchMemory,  ///< of what the looking program may take
+    Unreadable,     ///< the disk does not give its bytes
     TooSlow,
     Crashed,    ///< the looking program ended in the middle
     NotLooked,  ///< it could not be started, or what it said made no sense
@@ -39,6 +40,7 @@ struct PreviewAnswer {
     std::uint32_t width = 0, height = 0;              ///< of `pixels`
     std::string encoding{};                           ///< of a text
     bool isCut = false;                               ///< of a text
+    std::string digest{};  ///< of a text that is not cut: of all bytes of the file
     MediaFacts media{};
     /// A picture's rows without gaps, four bytes a pixel: blue, green, red, opacity, the colours
     /// multiplied by it. Or a text in UTF-8.

@@ -61,6 +61,7 @@ ItemFacts::ItemFacts(const FileSystem& files, QWidget* parent)
 
 ItemFacts::~ItemFacts() {
     if (m_counting) m_counting->stop = true;
+    m_stop.request_stop();
 }
 
 void ItemFacts::clear() { m_path.clear(); }
@@ -95,12 +96,17 @@ void ItemFacts::showFile(const FSNode& node, const QIcon& icon) {
 
 void ItemFacts::ask() {
     if (m_path.empty() || m_waiting >= mostWaiting) return;
+    m_stop.request_stop();
+    m_stop = {};
+    const std::stop_token token = m_stop.get_token();
     const auto preview = runAside(
         this, "readPreview",
-        [path = m_path] { return std::make_shared<PreviewContent>(readPreview(path)); },
-        [this, path = m_path](const std::shared_ptr<PreviewContent>& content) {
+        [path = m_path, token] {
+            return std::make_shared<PreviewContent>(readPreview(path, token));
+        },
+        [this, token, path = m_path](const std::shared_ptr<PreviewContent>& content) {
             --m_waiting;
-            if (path == m_path) showContent(*content);
+            if (path == m_path && !token.stop_requested()) showContent(*content);
         });
     if (m_counting) m_counting->stop = true;
     m_counting = std::make_shared<UsageCounts>();

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <memory>
+#include <stop_token>
 #include <string>
 
 #include "engine/diskusage/TickedCount.h"
@@ -44,6 +45,7 @@ private:
     std::string m_path;                       // of the file on show; empty for anything else
     std::vector<TickedEntry> m_asked;         // that file, until it is asked about
     std::shared_ptr<UsageCounts> m_counting;  // of the question on its way, or of the last one
+    std::stop_source m_stop;                  // of the last look
     int m_waiting = 0;  // questions that are not answered, on disks that hang perhaps
     QTimer m_timer;     // who holds an arrow key down sees many files for a moment
     QString m_size, m_kind, m_gain;

@@ -15,6 +15,13 @@ namespace {
 
 // Of a group its first two copies, of a copy that one and the first other that stays: what is
 // ticked is compared with what will be left of it.
+// The paths that are listed, of a large group not all, have what is looked at among them.
+void listFirst(PreviewSubject& subject, const std::string& path) {
+    if (path.empty() || std::ranges::find(subject.paths, path) != subject.paths.end()) return;
+    subject.paths.pop_back();
+    subject.paths.insert(subject.paths.begin(), path);
+}
+
 PreviewSubject subjectOf(const TreeNode& node) {
     const TreeNode& group = simpleData(node)->isGroup() ? node : *node.nodeParent();
     PreviewSubject subject;
@@ -25,12 +32,14 @@ PreviewSubject subjectOf(const TreeNode& node) {
     if (subject.paths.empty()) return subject;
     subject.chosen = &node == &group ? subject.paths.front() : simpleData(node)->name();
     bool staysBeside = false;
-    for (std::size_t i = 0; i < listed && !staysBeside; ++i) {
+    for (std::size_t i = 0; i < subject.total && !staysBeside; ++i) {
         const SimpleNodeData& copy = *simpleData(*group.childAtIndex(i));
         if (copy.name() == subject.chosen) continue;
         staysBeside = copy.selectNum() == 0;
         if (staysBeside || subject.beside.empty()) subject.beside = copy.name();
     }
+    listFirst(subject, subject.beside);
+    listFirst(subject, subject.chosen);
     return subject;
 }
 

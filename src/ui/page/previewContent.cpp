@@ -22,21 +22,23 @@ namespace orrinvale {
 namespace {
 
 std::uint64_t countEntries(int folder) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(::dup(folder)), ::closedir);
+    const int own = ::fcntl(folder, F_DUPFD_CLOEXEC, 0);
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(own), ::closedir);
+    if (!listing && own >= 0) ::close(own);
     std::uint64_t count = 0;
     while (listing && ::readdir(listing.get()) != nullptr) ++count;
     constexpr std::uint64_t dots = 2;  // "." and ".."
     return count - std::min(count, dots);
 }
 
-void readFile(int file, PreviewContent& content) {
+void readFile(int file, const std::stop_token& stop, PreviewContent& content) {
     const QMimeType type =
         QMimeDatabase().mimeTypeForFile(content.name, QMimeDatabase::MatchExtension);
     content.type = type.isDefault() ? QString() : type.comment();
     content.kind = PreviewContent::Kind::Other;
     if (content.size == 0) return;
     const PreviewAnswer answer =
-        PreviewReader::look(companionProgram(PreviewReader::programName), file, mostPixels, {});
+        PreviewReader::look(companionProgram(PreviewReader::programName), file, mostPixels, stop);
     if (answer.kind == PreviewAnswer::Kind::Picture) {
         content.kind = PreviewContent::Kind::Picture;
         content.pictureSize =
@@ -53,7 +55,7 @@ void readFile(int file, PreviewContent& content) {
 
 }  // namespace
 
-PreviewContent readPreview(const std::string& path) {
+PreviewContent readPreview(const std::string& path, const std::stop_token& stop) {
     PreviewContent content;
     content.name = QString::fromStdString(std::string(lastPathComponent(path)));
     struct stat status {};
@@ -75,7 +77,7 @@ PreviewContent readPreview(const std::string& path) {
         content.kind = PreviewContent::Kind::Folder;
         content.entries = countEntries(file.get());
     } else if (S_ISREG(status.st_mode)) {
-        readFile(file.get(), content);
+        readFile(file.get(), stop, content);
     }
     return content;
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <stop_token>
 #include <string>
 
 namespace orrinvale {
@@ -28,8 +29,8 @@ struct PreviewContent {
 inline constexpr int mostPixels = 1600;
 
 /// Opens regular files only, without waiting for a FIFO or a device. Nothing of them is decoded in
-/// this process: engine/preview/PreviewReader.h has who does it, and within which bounds. Any
-/// thread.
-[[nodiscard]] PreviewContent readPreview(const std::string& path);
+/// this process: engine/preview/PreviewReader.h has who does it, and within which bounds; once it
+/// is told to stop nobody does. Any thread.
+[[nodiscard]] PreviewContent readPreview(const std::string& path, const std::stop_token& stop = {});
 
 }  // namespace orrinvale

@@ -120,6 +120,7 @@ void PreviewFolders::setPaths(const std::vector<std::string>& paths, std::size_t
         const std::string& path = paths[i];
         const QString folder = onOneLine(QString::fromStdString(folderOf(path)));
         each.setText(folder);
+        each.setShortcut({});  // an ampersand in a path is no key
         each.setStrong(std::ranges::find(shown, path) != shown.end());
         each.setAccessibleName(tr("Open the folder %1").arg(folder));
         each.setToolTip(asToolTip(

@@ -7,7 +7,6 @@
 #include <QStackedWidget>
 #include <QTextBlock>
 #include <QVBoxLayout>
-#include <atomic>
 #include <chrono>
 
 #include "platform/paths.h"
@@ -17,6 +16,7 @@
 #include "ui/kit/controls/viewParts.h"
 #include "ui/preview/PreviewPicture.h"
 #include "ui/preview/PreviewZoom.h"
+#include "ui/preview/previewCount.h"
 
 namespace orrinvale {
 namespace {
@@ -28,14 +28,19 @@ constexpr std::int64_t fastStep = 150;  // milliseconds
 // A place that stays empty for longer needs a word.
 constexpr std::chrono::milliseconds emptyTime{1000};
 
-// Questions that are not answered, on disks that hang perhaps.
-constexpr int mostOnTheirWay = 8;
-std::atomic<int> onTheirWay{0};
+// Where all places are taken, by disks that hang perhaps.
+constexpr std::chrono::milliseconds placeTime{250};
 
-// Counts from when it is made to when the last copy goes, with whichever thread holds that.
-std::shared_ptr<void> countedQuestion() {
-    ++onTheirWay;
-    return {&onTheirWay, [](std::atomic<int>* count) { --*count; }};
+// The machine had no time or room for another look at what has been seen meanwhile as it is.
+bool isSeenAlready(const PreviewSight& seen, const PreviewSight& now) {
+    const PreviewAnswer& before = seen.preview.answer;
+    const PreviewFailure failure = now.preview.answer.failure;
+    return (before.kind == PreviewAnswer::Kind::Picture ||
+            before.kind == PreviewAnswer::Kind::Text) &&
+           (failure == PreviewFailure::TooSlow || failure == PreviewFailure::TooMuchMemory ||
+            failure == PreviewFailure::NotLooked) &&
+           seen.preview.attributes.size == now.preview.attributes.size &&
+           seen.preview.attributes.modified == now.preview.attributes.modified;
 }
 
 QLabel* wrappedLabel(const char* name, Theme::Text text) {
@@ -109,6 +114,7 @@ void PreviewLook::setPath(const std::string& path) {
     m_pages->setCurrentWidget(m_nothing);
     m_picture->setPicture({}, {});
     m_text->clear();
+    unmark();
     const bool isFast = m_sinceStep.isValid() && m_sinceStep.elapsed() < fastStep;
     m_sinceStep.start();
     if (path.empty()) return;
@@ -125,7 +131,8 @@ void PreviewLook::lookAgain() {
 
 void PreviewLook::ask() {
     if (m_path.empty() || !m_reader) return;
-    if (onTheirWay >= mostOnTheirWay) return m_rest.start(previewRest);
+    auto place = PreviewCount::takePlace();
+    if (!place) return m_rest.start(placeTime);
     m_picture->resize(m_pages->size());  // a page that is not on top has not been laid out
     m_stop.request_stop();
     m_stop = {};
@@ -133,7 +140,7 @@ void PreviewLook::ask() {
     const auto errand = runAside(
         this, "readPreview",
         [reader = m_reader, path = m_path, side = m_picture->wantedSide(),
-         token = m_stop.get_token(), counted = countedQuestion()] {
+         token = m_stop.get_token(), place = std::move(place)] {
             return std::make_shared<PreviewSight>(readSight(*reader, path, side, token));
         },
         [this, question](std::shared_ptr<PreviewSight> sight) {
@@ -147,24 +154,26 @@ void PreviewLook::setWords(const QString& lines) {
     m_pages->setCurrentWidget(m_words);
 }
 
-// Who has scrolled in it stays there when it is read again.
 void PreviewLook::setText(const std::string& text) {
-    const QString shown = QString::fromStdString(text);
-    if (m_text->toPlainText() != shown) m_text->setPlainText(shown);
+    m_text->setPlainText(QString::fromStdString(text));
+    unmark();
     m_pages->setCurrentWidget(m_text);
 }
 
 void PreviewLook::take(std::shared_ptr<PreviewSight> sight) {
     m_wait.stop();
+    if (m_sight != nullptr && isSeenAlready(*m_sight, *sight)) return;
+    const PreviewAnswer& answer = sight->preview.answer;
+    const bool isShownText =
+        showsText() && m_sight != nullptr && m_sight->preview.answer.content == answer.content;
     m_sight = std::move(sight);
-    const PreviewAnswer& answer = m_sight->preview.answer;
     m_facts->setText(factsOf(*m_sight));
     if (answer.kind == PreviewAnswer::Kind::Picture) {
         m_picture->setPicture(m_sight->image, QSize(static_cast<int>(answer.storedWidth),
                                                     static_cast<int>(answer.storedHeight)));
         m_pages->setCurrentWidget(m_picture);
     } else if (answer.kind == PreviewAnswer::Kind::Text) {
-        setText(answer.content);
+        if (!isShownText) setText(answer.content);  // who has scrolled in it stays there
     } else {
         setWords(wordsFor(*m_sight).join(QLatin1Char('\n')));
     }
@@ -173,7 +182,14 @@ void PreviewLook::take(std::shared_ptr<PreviewSight> sight) {
 
 bool PreviewLook::showsText() const { return m_pages->currentWidget() == m_text; }
 
+void PreviewLook::unmark() {
+    m_marked = -1;
+    m_text->setExtraSelections({});
+}
+
 void PreviewLook::markLineOf(qsizetype character) {
+    if (character == m_marked) return;
+    m_marked = character;
     QList<QTextEdit::ExtraSelection> marks;
     if (character >= 0) {
         QTextEdit::ExtraSelection mark;

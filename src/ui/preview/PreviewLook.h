@@ -44,7 +44,8 @@ public:
     [[nodiscard]] const PreviewSight* sight() const { return m_sight.get(); }
     [[nodiscard]] QPlainTextEdit& text() const { return *m_text; }
     [[nodiscard]] bool showsText() const;
-    /// Marks the line with this character of the text, and shows it; nothing where it is negative.
+    /// Marks the line with this character of the text, and shows it where it was not marked before;
+    /// nothing where it is negative.
     void markLineOf(qsizetype character);
 
 Q_SIGNALS:
@@ -56,12 +57,14 @@ private:
     void take(std::shared_ptr<PreviewSight> sight);
     void setWords(const QString& lines);
     void setText(const std::string& text);
+    void unmark();
 
     std::shared_ptr<const PreviewReader> m_reader;
     std::string m_path;
     std::shared_ptr<PreviewSight> m_sight;
     std::stop_source m_stop;       // of the question on its way
     std::uint64_t m_question = 0;  // answers to others are void
+    qsizetype m_marked = -1;       // a character of the line, or none
     QElapsedTimer m_sinceStep;
     QTimer m_rest;  // who holds an arrow key down passes by many files
     QTimer m_wait;  // until somebody asks what takes so long

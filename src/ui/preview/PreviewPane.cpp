@@ -49,7 +49,7 @@ PreviewPane::PreviewPane(QWidget* parent)
         connect(look, &PreviewLook::sightChanged, this, &PreviewPane::compare);
         PreviewLook* const other = look == m_first ? m_second : m_first;
         connect(look->text().verticalScrollBar(), &QScrollBar::valueChanged, this,
-                [other](int value) { other->text().verticalScrollBar()->setValue(value); });
+                [this, other](int value) { scrollAlong(*other, value); });
     }
     connect(m_folders, &PreviewFolders::folderWanted, this, [this](const std::string& path) {
         if (m_reveal) m_reveal(path);
@@ -79,14 +79,13 @@ void PreviewPane::lookAgain() {
 }
 
 void PreviewPane::showSubject() {
-    m_zoom.reset();
-    m_comparison->clear();
-    m_comparison->hide();
+    if (m_first->path() != m_subject.chosen || m_second->path() != m_subject.beside) m_zoom.reset();
     m_first->setPath(m_subject.chosen);
     m_second->setPath(m_subject.beside);
     m_second->setVisible(!m_subject.beside.empty());
     m_folders->setVisible(!m_subject.paths.empty());
     m_folders->setPaths(m_subject.paths, m_subject.total, {m_subject.chosen, m_subject.beside});
+    compare();
 }
 
 // Of two texts the first place where they differ: copies that a search found are the same, but a
@@ -95,18 +94,33 @@ void PreviewPane::compare() {
     const bool areTexts = m_first->sight() != nullptr && m_second->sight() != nullptr &&
                           m_first->showsText() && m_second->showsText();
     m_comparison->setVisible(areTexts);
-    if (!areTexts) return;
-    const QString one = m_first->text().toPlainText(), other = m_second->text().toPlainText();
+    if (!areTexts) {
+        for (PreviewLook* const look : {m_first, m_second}) look->markLineOf(-1);
+        return;
+    }
+    const PreviewAnswer& here = m_first->sight()->preview.answer;
+    const PreviewAnswer& there = m_second->sight()->preview.answer;
+    const QString one = QString::fromStdString(here.content);
+    const QString other = QString::fromStdString(there.content);
     const auto differs = std::ranges::mismatch(one, other).in1 - one.begin();
     const bool isSame = one == other;
     for (PreviewLook* const look : {m_first, m_second}) look->markLineOf(isSame ? -1 : differs);
-    const bool isCut =
-        m_first->sight()->preview.answer.isCut || m_second->sight()->preview.answer.isCut;
+    // Unlike bytes may look alike: ends of lines, encodings, letters that a screen would obey.
+    const bool areSameFiles =
+        !here.isCut && !there.isCut && !here.digest.empty() && here.digest == there.digest;
     const int line = static_cast<int>(std::count(one.begin(), one.begin() + differs, u'\n')) + 1;
     m_comparison->setText(!isSame
                               ? tr("The texts differ from line %1 on").arg(QLocale().toString(line))
-                          : isCut ? tr("What is shown of the texts is the same")
-                                  : tr("The texts are the same"));
+                          : areSameFiles ? tr("The texts are the same")
+                                         : tr("What is shown of the texts is the same"));
+}
+
+// The shorter one ends before the longer, which must not be held back by it.
+void PreviewPane::scrollAlong(PreviewLook& other, int value) {
+    if (m_scrolls) return;
+    m_scrolls = true;
+    other.text().verticalScrollBar()->setValue(value);
+    m_scrolls = false;
 }
 
 void PreviewPane::setDirection(QBoxLayout::Direction direction) {

@@ -59,10 +59,12 @@ protected:
 private:
     void showSubject();
     void compare();
+    void scrollAlong(PreviewLook& other, int value);
 
     PreviewZoom m_zoom;
     PreviewSubject m_subject;
     std::function<void(const std::string& path)> m_reveal;
+    bool m_scrolls = false;  // one is being moved after the other
     QBoxLayout* m_layout;
     PreviewLook* m_first;
     PreviewLook* m_second;

@@ -34,6 +34,7 @@ QString failureText(PreviewFailure failure) {
         case PreviewFailure::TooLarge: return PreviewWords::tr("Can not be shown: it is too large");
         case PreviewFailure::TooMuchMemory:
             return PreviewWords::tr("Can not be shown: it takes too much memory");
+        case PreviewFailure::Unreadable: return PreviewWords::tr("It could not be read");
         case PreviewFailure::TooSlow:
             return PreviewWords::tr("Can not be shown: it takes too long");
         case PreviewFailure::Crashed:

@@ -11,14 +11,17 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <chrono>
 
 #include "engine/text/UtilityFunction.h"
 #include "platform/paths.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/controls/numberText.h"
+#include "ui/kit/controls/pathText.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/kit/look/accessibleRole.h"
 #include "ui/page/previewContent.h"
+#include "ui/preview/previewCount.h"
 #include "ui/shell/FileIcons.h"
 
 namespace orrinvale {
@@ -26,6 +29,8 @@ namespace {
 
 constexpr QSize usualPreviewSize{560, 460};
 constexpr int previewIconSide = 128;
+// A held key makes the next step before the first of these is over.
+constexpr std::chrono::milliseconds previewWindowRest{35}, previewWindowPlaceTime{250};
 
 QLabel* centred(Theme::Text text, QPalette::ColorRole role) {
     auto* const label = new QLabel;
@@ -55,8 +60,8 @@ QString factsOf(const PreviewContent& content) {
                                           QString::number(content.pictureSize.height())));
     facts += content.media;
     if (!content.linkTarget.isEmpty())
-        facts.push_back(
-            QCoreApplication::translate("PreviewWindow", "Link to %1").arg(content.linkTarget));
+        facts.push_back(QCoreApplication::translate("PreviewWindow", "Link to %1")
+                            .arg(onOneLine(content.linkTarget)));
     constexpr std::int64_t perMillisecond = 1'000'000;
     facts.push_back(QLocale().toString(
         QDateTime::fromMSecsSinceEpoch(content.modified / perMillisecond), QLocale::ShortFormat));
@@ -91,6 +96,8 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
     column->addWidget(m_pages, 1);
     column->addWidget(m_name);
     column->addWidget(m_facts);
+    m_rest.setSingleShot(true);
+    connect(&m_rest, &QTimer::timeout, this, &PreviewWindow::ask);
     // Shortcuts, since the text would take the space bar for a page down.
     for (const QKeySequence& keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::Key_Space),
                                      QKeySequence(Qt::CTRL | Qt::Key_Space)})
@@ -100,6 +107,8 @@ PreviewWindow::PreviewWindow(FileIcons& icons, QWidget* parent)
                 [this, step = step] { Q_EMIT otherWanted(step); });
     resize(usualPreviewSize);
 }
+
+PreviewWindow::~PreviewWindow() { m_stop.request_stop(); }
 
 // The keys of the window behind work here too, and its key that closes would take both away. A
 // shortcut of our own beside it would make the key ambiguous.
@@ -117,20 +126,41 @@ void PreviewWindow::keyPressEvent(QKeyEvent* event) {
     else QWidget::keyPressEvent(event);
 }
 
+void PreviewWindow::stop() {
+    m_rest.stop();
+    m_stop.request_stop();
+}
+
+void PreviewWindow::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) stop();
+}
+
 void PreviewWindow::showPath(const std::string& path) {
+    stop();
     m_path = path;
-    const QString name = QString::fromStdString(std::string(lastPathComponent(path)));
+    const QString name = onOneLine(QString::fromStdString(std::string(lastPathComponent(path))));
     setWindowTitle(name);
     m_name->setText(name);
     m_facts->clear();
     m_icon->setPixmap(m_icons.icon({IconRequest::Path, path})
                           .pixmap(QSize(previewIconSide, previewIconSide), devicePixelRatioF()));
     m_pages->setCurrentWidget(m_icon);
-    runAside(
-        this, "readPreview:", [path] { return readPreview(path); },
-        [this, path](const PreviewContent& content) {
-            if (m_path == path) showContent(content);
+    m_rest.start(previewWindowRest);
+}
+
+void PreviewWindow::ask() {
+    auto place = PreviewCount::takePlace();
+    if (!place) return m_rest.start(previewWindowPlaceTime);
+    m_stop = {};
+    const std::stop_token token = m_stop.get_token();
+    const auto errand = runAside(
+        this, "readPreview:",
+        [path = m_path, token, place = std::move(place)] { return readPreview(path, token); },
+        [this, token](const PreviewContent& content) {
+            if (!token.stop_requested()) showContent(content);
         });
+    if (errand == nullptr) m_rest.start(previewWindowPlaceTime);
 }
 
 void PreviewWindow::showContent(const PreviewContent& content) {

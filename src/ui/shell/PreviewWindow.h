@@ -2,7 +2,9 @@
 // previewContent.h reads it.
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
+#include <stop_token>
 #include <string>
 
 class QLabel;
@@ -22,6 +24,7 @@ class PreviewWindow final : public QWidget {
     Q_OBJECT
 public:
     explicit PreviewWindow(FileIcons& icons, QWidget* parent = nullptr);
+    ~PreviewWindow() override;
 
     /// Exact bytes. A path that names nothing shows that it is missing.
     void showPath(const std::string& path);
@@ -34,12 +37,17 @@ Q_SIGNALS:
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
+    void ask();
+    void stop();
     void showContent(const PreviewContent& content);
 
     FileIcons& m_icons;
     std::string m_path;
+    std::stop_source m_stop;  // of the question on its way; its answer is void then
+    QTimer m_rest;            // who holds an arrow key down passes by many files
     QLabel* m_name;
     QLabel* m_facts;
     QStackedWidget* m_pages;

@@ -12,12 +12,15 @@
 #include <QWheelEvent>
 
 #include "platform/askProgram.h"
+#include "platform/paths.h"
 #include "support/test.h"
 #include "ui/kit/chrome/TCImageButton.h"
+#include "ui/preview/PreviewFolders.h"
 #include "ui/preview/PreviewHost.h"
 #include "ui/preview/PreviewLook.h"
 #include "ui/preview/PreviewPane.h"
 #include "ui/preview/PreviewPicture.h"
+#include "ui/preview/PreviewZoom.h"
 #include "ui/preview/previewWords.h"
 #include "ui/support/PageWindow.h"
 
@@ -152,6 +155,26 @@ TEST_F(PreviewBesideList, KeepsTheCopyThatStaysBesideWhatIsTicked) {
     EXPECT_EQ(beside.path(), on.tree.at("f/b/words.txt"));
 }
 
+// The copy that stays may be behind those that are listed, and so may the chosen one.
+TEST_F(PreviewBesideList, FindsTheCopyThatStaysInALargeGroup) {
+    for (int i = 100; i < 205; ++i)
+        ASSERT_TRUE(on.tree.write("g/" + std::to_string(i) + "/many.txt", "many"));
+    ASSERT_TRUE(on.search(on.tree.at("g")));
+    show();
+    on.tick("many.txt");
+    const QModelIndex group = on.row("many.txt");
+    const auto copy = [&](int row) { return on.model().index(row, group.column(), group); };
+    outline.setCurrentIndex(copy(102));
+    const std::string chosen = on.nameOf(copy(102)), stays = on.nameOf(copy(104));
+    EXPECT_EQ(on.control<PreviewLook>("previewFirst").path(), chosen);
+    EXPECT_EQ(on.control<PreviewLook>("previewSecond").path(), stays);
+    Strings listed;
+    for (auto* const each : on.control("previewFolders").findChildren<QAbstractButton*>())
+        if (each->isVisible()) listed.push_back(each->text().toStdString());
+    EXPECT_EQ(listed.size(), 100);
+    EXPECT_THAT(listed, AllOf(Contains(folderOf(chosen)), Contains(folderOf(stays))));
+}
+
 // Between the search and the look somebody has put something else there.
 TEST_F(PreviewBesideList, FollowsNoLinkAndWaitsForNoPipe) {
     ASSERT_TRUE(on.tree.write("secret.png", png(red, red)));
@@ -255,6 +278,96 @@ TEST(PreviewPlaces, SuitTheWindowAndAreRemembered) {
         content->setCurrentIndex(1);
         EXPECT_FALSE(pane->isVisible()) << "the preview is the list's";
     }
+}
+
+// People delete by these words.
+TEST(PreviewTexts, AreTheSameOnlyWhereTheirBytesAre) {
+    TestTree tree;
+    const LinuxFileSystem files;
+    PreviewPane pane;
+    pane.start(files, {});
+    pane.resize(400, 300);
+    pane.show();
+    const auto& said = *pane.findChild<QLabel*>(QLatin1String("previewComparison"));
+    const struct {
+        const char *name, *one, *other, *words;
+    } cases[] = {
+        {"equal", "a b\nc", "a b\nc", "The texts are the same"},
+        {"a space that does not break", "a b",
+         "a\xC2\xA0"
+         "b",
+         "The texts differ from line 1 on"},
+        {"ends of lines", "a\nb\n", "a\r\nb\r\n", "What is shown of the texts is the same"},
+        {"encodings", "ab",
+         "\xEF\xBB\xBF"
+         "ab",
+         "What is shown of the texts is the same"},
+        {"what is written out", "a\x1B", "a\\x1B", "What is shown of the texts is the same"},
+    };
+    for (const auto& each : cases) {
+        const std::string one = each.name + std::string(".1"),
+                          other = each.name + std::string(".2");
+        ASSERT_TRUE(tree.write(one, each.one) && tree.write(other, each.other));
+        pane.choose({tree.at(one), tree.at(other), {}, 2});
+        EXPECT_TRUE(said.isHidden()) << each.name;
+        ASSERT_SOON(said.isVisible());
+        EXPECT_EQ(said.text().toStdString(), each.words) << each.name;
+    }
+}
+
+TEST(PreviewTexts, KeepTheirPlaceAndTheirComparison) {
+    TestTree tree;
+    std::string lines;
+    for (int i = 0; i < 300; ++i) lines += "line\n";
+    ASSERT_TRUE(tree.write("long", lines) && tree.write("short", lines.substr(0, 300)));
+    const LinuxFileSystem files;
+    PreviewPane pane;
+    pane.start(files, {});
+    pane.resize(500, 300);
+    pane.show();
+    PreviewSubject subject{tree.at("long"), tree.at("short"), {tree.at("long")}, 3};
+    pane.choose(subject);
+    const auto& said = *pane.findChild<QLabel*>(QLatin1String("previewComparison"));
+    ASSERT_SOON(said.isVisible());
+    auto& bar = *pane.findChild<QWidget*>(QLatin1String("previewFirst"))
+                     ->findChild<QPlainTextEdit*>()
+                     ->verticalScrollBar();
+    bar.setValue(200);
+    EXPECT_EQ(bar.value(), 200) << "past the end of the shorter one";
+    subject.total = 2;  // a third copy is gone
+    pane.choose(subject);
+    EXPECT_TRUE(said.isVisible());
+    EXPECT_EQ(bar.value(), 200);
+}
+
+// A machine that is busy for a moment takes nothing away that was seen.
+TEST(PreviewLooks, StayWhereAnotherOneFails) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("red.png", png(red, red)));
+    const LinuxFileSystem files;
+    PreviewZoom zoom;
+    PreviewLook look(zoom);
+    look.setReader(
+        std::make_shared<PreviewReader>(files, companionProgram(PreviewReader::programName)));
+    look.resize(300, 300);
+    look.show();
+    look.setPath(tree.at("red.png"));
+    ASSERT_SOON(look.sight() != nullptr && shareOf(look, red) > 20);
+    look.setReader(std::make_shared<PreviewReader>(files, ""));
+    look.lookAgain();
+    QTest::qWait(150);
+    EXPECT_GT(shareOf(look, red), 20);
+    ASSERT_TRUE(tree.write("red.png", png(blue, blue, {9, 9})));  // but of a file that has changed
+    look.lookAgain();
+    EXPECT_SOON(shareOf(look, red) == 0);
+}
+
+TEST(PreviewFolderButtons, HaveNoKeyInTheirPaths) {
+    PreviewFolders folders;
+    folders.setPaths({"/m/Tom&Jerry/a"}, 1, {});
+    const auto& button = *folders.findChild<QAbstractButton*>(QLatin1String("previewFolder"));
+    EXPECT_EQ(button.text(), QLatin1String("/m/Tom&Jerry"));
+    EXPECT_TRUE(button.shortcut().isEmpty());
 }
 
 TEST(PreviewTexts, SayWhyThereIsNothingToSee) {

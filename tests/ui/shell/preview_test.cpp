@@ -100,11 +100,35 @@ TEST(Preview, ShowsTheLastPathAskedForAndClosesOnItsKeys) {
         QTest::keySequence(&text, keys);
         EXPECT_FALSE(window.isVisible()) << keys.toString().toStdString();
     }
+    window.showPath("/photo\xE2\x80\xAEgpj\n.exe");
+    EXPECT_FALSE(window.windowTitle().contains(QChar(0x202E)) ||
+                 window.windowTitle().contains(QLatin1Char('\n')));
     window.showPath("bare name");
     const auto labels = window.findChildren<QLabel*>();
     EXPECT_SOON(std::ranges::any_of(labels, [](const QLabel* each) {
         return each->text() == QLatin1String("This file is missing.");
     }));
+}
+
+// Each look may take much memory, and a held key asks thirty times a second.
+TEST(Preview, StartsNoThreadForWhatIsPassedBy) {
+    TestTree tree;
+    const auto threads = [] {
+        return std::ranges::distance(std::filesystem::directory_iterator("/proc/self/task"));
+    };
+    FileIcons icons;
+    PreviewWindow window(icons);
+    window.show();
+    for (int i = 0; i < 40; ++i)
+        ASSERT_TRUE(tree.write(std::to_string(i) + ".txt", std::to_string(i)));
+    window.showPath(tree.at("0.txt"));
+    const auto before = threads();
+    for (int i = 1; i < 40; ++i) window.showPath(tree.at(std::to_string(i) + ".txt"));
+    EXPECT_LE(threads(), before + 2);
+    EXPECT_SOON(window.findChild<QPlainTextEdit*>()->toPlainText() == QLatin1String("39"));
+    std::stop_source over;
+    over.request_stop();
+    EXPECT_EQ(readPreview(tree.at("1.txt"), over.get_token()).kind, Kind::Other) << "not looked";
 }
 
 }  // namespace
