@@ -25,7 +25,7 @@ struct ProgramAnswer {
         TimedOut,    ///< by us
         TooMuch,     ///< by us, since it printed too much
         Stopped,     ///< by us, since nobody waits for it any more
-        NotStarted,  ///< `status` is an errno value
+        NotStarted,  ///< `status` is an errno value; EAGAIN: too many are left behind
     };
     Ending ending = Ending::NotStarted;
     int status = 0;
@@ -34,13 +34,17 @@ struct ProgramAnswer {
 
 /// Runs the program in "/", with no open file but its input, its output to us and a standard error
 /// that leads nowhere, and of the environment only what says where libraries lie. Returns when it
-/// has ended or was killed; a process that a dead disk holds is left to a thread that waits for it.
-/// Any thread, which waits meanwhile.
+/// has ended or was killed; a process that a dead disk holds is left to a thread that waits for it;
+/// behind eight of these none is started. Any thread, which waits meanwhile.
 [[nodiscard]] ProgramAnswer askProgram(const ProgramQuestion& question,
                                        const std::stop_token& stop);
 
-/// The path of another program of this build: beside the running one, or where the package puts
-/// what no person starts. Empty where there is none.
+/// The path of another program of this build: where the package puts what no person starts, or
+/// beside the running one. Empty where there is none. Taken only where nobody could have put it
+/// there who could not have replaced the running program as well.
 [[nodiscard]] std::string companionProgram(const std::string& name);
+
+/// The same for a program that runs from this path.
+[[nodiscard]] std::string companionProgram(const std::string& executable, const std::string& name);
 
 }  // namespace orrinvale

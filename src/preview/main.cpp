@@ -55,8 +55,10 @@ constexpr PictureSign pictureSigns[] = {
     {0, "MM\0*"sv, "tiff"},
     {0, "\0\0\1\0"sv, "ico"},
     {4, "ftypheic"sv, "heic"},
+    {4, "ftypheix"sv, "heic"},
     {4, "ftypmif1"sv, "heic"},
     {4, "ftypavif"sv, "avif"},
+    {4, "ftypavis"sv, "avif"},
     {0, "\xFF\x0A"sv, "jxl"},
     {0, "P4\n"sv, "pbm"},
     {0, "P5\n"sv, "pgm"},
@@ -134,6 +136,13 @@ std::optional<PreviewFailure> objectionTo(const QSize& stored, const QByteArray&
     return std::nullopt;
 }
 
+// Colours of 16 bits are kept as they are while they are read.
+bool isTooDeep(QImageReader& reader, const QSize& stored, const QByteArray& format) {
+    if (!stored.isValid() || format == "jpeg") return false;
+    const auto bits = QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel();
+    return pixelsOf(stored) * bits / 8 > std::uint64_t{mostDecodedMegabytes} << 20U;
+}
+
 QSize within(const QSize& size, int side) {
     if (size.width() <= side && size.height() <= side) return size;
     return size.scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1});
@@ -144,6 +153,7 @@ PreviewAnswer pictureIn(QFile& file, const QByteArray& format, int side) {
     reader.setAutoTransform(true);
     QSize stored = reader.size();
     if (const auto objection = objectionTo(stored, format)) return failed(*objection);
+    if (isTooDeep(reader, stored, format)) return failed(PreviewFailure::TooMuchMemory);
     if (stored.isValid()) reader.setScaledSize(within(stored, side));
     QImage image = reader.read();
     // One that is written in several passes is kept whole while it is read.

@@ -19,8 +19,9 @@ const LinuxFileSystem diskFiles;
 
 PreviewReader reader() { return {diskFiles, companionProgram(PreviewReader::programName)}; }
 
-std::string picture(int width, int height, const char* format, QRgb colour = qRgb(200, 30, 60)) {
-    QImage image(width, height, QImage::Format_RGB32);
+std::string picture(int width, int height, const char* format, QRgb colour = qRgb(200, 30, 60),
+                    QImage::Format pixels = QImage::Format_RGB32) {
+    QImage image(width, height, pixels);
     image.fill(colour);
     QByteArray bytes;
     QBuffer buffer(&bytes);
@@ -30,8 +31,9 @@ std::string picture(int width, int height, const char* format, QRgb colour = qRg
 }
 
 // A PNG that claims its size and has nothing behind it, or what is given.
-std::string claimedPng(std::uint32_t width, std::uint32_t height, std::string_view behind = {}) {
-    std::string bytes = picture(4, 4, "png");
+std::string claimedPng(std::uint32_t width, std::uint32_t height, std::string_view behind = {},
+                       QImage::Format pixels = QImage::Format_RGB32) {
+    std::string bytes = picture(4, 4, "png", qRgb(200, 30, 60), pixels);
     for (int i = 0; i < 4; ++i) {
         bytes[std::size_t(16 + i)] = static_cast<char>(width >> (24 - 8 * i));
         bytes[std::size_t(20 + i)] = static_cast<char>(height >> (24 - 8 * i));
@@ -76,6 +78,8 @@ TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
         tree.write("cut.jpg", jpeg.substr(0, 12)) && tree.write("cut.png", claimedPng(40, 40)) &&
         tree.write("400 megapixels.png",
                    claimedPng(20000, 20000, picture(4, 4, "png").substr(33))) &&
+        tree.write("36 deep megapixels.png", claimedPng(6000, 6000, picture(4, 4, "png").substr(33),
+                                                        QImage::Format_RGBX64)) &&
         tree.write("400 megapixels.jpg", claimedJpeg(20000, false)) &&
         tree.write("400 megapixels in passes.jpg", claimedJpeg(20000, true)) &&
         tree.write("none.png", claimedPng(0, 5)) && tree.write("text.md", "# Words\n") &&
@@ -100,6 +104,7 @@ TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
         {"cut.jpg", Kind::Failed, Failure::Damaged, 0, 0, 0, 0},
         {"cut.png", Kind::Failed, Failure::Damaged, 0, 0, 0, 0},
         {"400 megapixels.png", Kind::Failed, Failure::TooLarge, 0, 0, 0, 0},
+        {"36 deep megapixels.png", Kind::Failed, Failure::TooMuchMemory, 0, 0, 0, 0},
         {"400 megapixels.jpg", Kind::Picture, Failure::None, 20000, 20000, 320, 320},
         {"400 megapixels in passes.jpg", Kind::Failed, Failure::TooMuchMemory, 0, 0, 0, 0},
         {"none.png", Kind::Failed, Failure::Damaged, 0, 0, 0, 0},
@@ -210,6 +215,45 @@ TEST(PreviewWorker, WhateverItDoesIsOverInTime) {
     const auto before = Clock::now();
     (void)PreviewReader(diskFiles, tree.at("looker")).read(tree.at("file"), 9, source.get_token());
     EXPECT_LT(Clock::now() - before, 1500ms);
+}
+
+// A process that another thread made meanwhile holds the pipe as well.
+TEST(PreviewWorker, IsOverWhenItHasEndedWhoeverHoldsItsOutput) {
+    TestTree tree;
+    ASSERT_TRUE(tree.write("looker", "#!/bin/sh\nsleep 4 &\nprintf answer\n") &&
+                tree.setMode("looker", 0700));
+    const Descriptor file(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    const ProgramAnswer told =
+        askProgram({tree.at("looker"), {}, file.get(), std::chrono::seconds(2), 4096}, {});
+    EXPECT_EQ(told.ending, ProgramAnswer::Ending::Ended);
+    EXPECT_EQ(told.output, "answer");
+}
+
+// What is started sees people's files: nobody else may have put it there.
+TEST(PreviewWorker, IsThatOfThePackage) {
+    TestTree tree;
+    const auto put = [&](const std::string& name) {
+        return tree.write(name, "#!/bin/sh\n") && tree.setMode(name, 0755);
+    };
+    ASSERT_TRUE(put("bin/program") && put("bin/looker") && put("apart/program") &&
+                put("apart/looker"));
+    const auto found = [&](const char* program) {
+        return companionProgram(tree.at(program), "looker");
+    };
+    EXPECT_EQ(found("bin/program"), tree.at("bin/looker")) << "as in the folder of a build";
+    ASSERT_TRUE(put("libexec/orrinvale/looker"));
+    EXPECT_EQ(found("bin/program"), tree.at("libexec/orrinvale/looker"));
+    EXPECT_EQ(found("apart/program"), tree.at("apart/looker"));
+    EXPECT_EQ(found("gone/program"), "");
+    for (const mode_t mode : {0775U, 0757U, 0644U}) {
+        ASSERT_TRUE(tree.setMode("apart/looker", mode));
+        EXPECT_EQ(found("apart/program"), "") << mode;
+    }
+    ASSERT_TRUE(tree.setMode("apart/looker", 0775) && tree.setMode("apart/program", 0775));
+    EXPECT_EQ(found("apart/program"), tree.at("apart/looker")) << "no more open than the program";
+    if (::geteuid() != 0) return;
+    ASSERT_EQ(::chown(tree.at("apart/looker").c_str(), 65534, 0), 0);
+    EXPECT_EQ(found("apart/program"), "") << "another user's";
 }
 
 // It is told what it has: the file, where to answer, nowhere to complain, and nothing else.

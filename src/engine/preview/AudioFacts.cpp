@@ -12,6 +12,13 @@ namespace {
 
 std::uint32_t narrow(std::uint64_t number) { return static_cast<std::uint32_t>(number); }
 
+// What the number of a sound in WAV is called; empty for those that few have heard of.
+const char* waveCodecName(std::uint64_t number) {
+    constexpr std::uint64_t integers = 1, decimals = 3, mp3 = 0x55, extended = 0xFFFE;
+    if (number == mp3) return "MP3";
+    return number == integers || number == decimals || number == extended ? "PCM" : "";
+}
+
 // What begins the first packet of a stream in Ogg.
 void takeOggStream(std::string_view packet, MediaFacts& facts) {
     const auto take = [&](const char* codec, std::size_t channels, std::size_t rate) {
@@ -113,7 +120,7 @@ std::optional<MediaFacts> readFlacFacts(MediaSource& source) {
 std::optional<MediaFacts> readWaveFacts(MediaSource& source) {
     const auto head = source.bytes<12>(0);
     if (!head || part(*head, 0, 4) != "RIFF" || part(*head, 8, 4) != "WAVE") return std::nullopt;
-    MediaFacts facts{.container = "WAV", .audio = "PCM"};
+    MediaFacts facts{.container = "WAV"};
     std::uint64_t bytesPerSecond = 0;
     constexpr int mostChunks = 64;
     std::uint64_t at = head->size();
@@ -127,7 +134,7 @@ std::optional<MediaFacts> readWaveFacts(MediaSource& source) {
             facts.channels = narrow(littleEndian(part(*format, 2, 2)));
             facts.rate = narrow(littleEndian(part(*format, 4, 4)));
             bytesPerSecond = littleEndian(part(*format, 8, 4));
-            if (littleEndian(part(*format, 0, 2)) == 0x55) facts.audio = "MP3";
+            facts.audio = waveCodecName(littleEndian(part(*format, 0, 2)));
         } else if (part(*chunk, 0, 4) == "data") {
             facts.milliseconds = lasting(size, bytesPerSecond);
             break;
@@ -176,8 +183,7 @@ std::optional<MediaFacts> readMpegAudioFacts(MediaSource& source) {
                                          : lasting(source.size() - at, frame->bitRate / 8);
         return facts;
     }
-    if (tag == 0) return std::nullopt;
-    return MediaFacts{.container = "MP3", .audio = "MP3"};
+    return std::nullopt;  // other sounds stand behind such a tag too
 }
 
 }  // namespace orrinvale

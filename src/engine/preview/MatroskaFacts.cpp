@@ -97,7 +97,10 @@ std::optional<Element> elementAt(MediaSource& source, std::uint64_t offset, std:
     const std::uint64_t content = offset + identifier->width + size->width;
     if (content > end) return std::nullopt;
     if (size->value == untoldSize) return Element{identifier->value, content, end};
-    if (size->value > end - content) return std::nullopt;
+    if (size->value > end - content) {  // a file that did not come whole has its facts in front
+        if (identifier->value != Segment) return std::nullopt;
+        return Element{identifier->value, content, end};
+    }
     return Element{identifier->value, content, content + size->value};
 }
 

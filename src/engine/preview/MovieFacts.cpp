@@ -144,8 +144,13 @@ std::optional<MediaFacts> readMovieFacts(MediaSource& source) {
                         : brand.starts_with("3gp") ? "3GP"
                                                    : "MP4");
     auto facts = reader.read();
-    // An old one has no sign of its own but that its boxes make sense.
-    if (isOld && facts->video.empty() && facts->audio.empty()) return std::nullopt;
+    // Photos stand in the same boxes, and an old film has no sign of its own but that its boxes
+    // make sense. One that is cut before its tracks is told by its brand.
+    constexpr std::string_view films[] = {"isom", "iso2", "iso4", "iso5", "iso6", "mp41", "mp42",
+                                          "avc1", "M4V ", "M4A ", "qt  ", "dash", "MSNV"};
+    const bool isFilm =
+        !isOld && (brand.starts_with("3gp") || std::ranges::find(films, brand) != std::end(films));
+    if (!isFilm && facts->video.empty() && facts->audio.empty()) return std::nullopt;
     return facts;
 }
 

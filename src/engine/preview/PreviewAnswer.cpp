@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <utility>
 
 #include "engine/preview/plainText.h"
 #include "engine/text/utf8.h"
@@ -96,13 +97,16 @@ bool takeLine(std::string_view name, std::string_view value, PreviewAnswer& answ
     return true;
 }
 
+// Pixels are counted in signed numbers where they are shown.
+bool isSide(std::uint32_t pixels) { return pixels != 0 && std::in_range<int>(pixels); }
+
 bool holdsTogether(const PreviewAnswer& answer) {
     const std::string& content = answer.content;
     switch (answer.kind) {
         case PreviewAnswer::Kind::Picture:
             return answer.width != 0 && answer.height != 0 && answer.width <= mostPreviewSide &&
-                   answer.height <= mostPreviewSide && answer.storedWidth != 0 &&
-                   answer.storedHeight != 0 &&
+                   answer.height <= mostPreviewSide && isSide(answer.storedWidth) &&
+                   isSide(answer.storedHeight) &&
                    content.size() == std::size_t{answer.width} * answer.height * bytesPerPixel;
         case PreviewAnswer::Kind::Text:
             return content.size() <= mostPlainText && isValidUtf8(content);

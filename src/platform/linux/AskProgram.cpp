@@ -3,10 +3,13 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/eventfd.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -24,6 +27,10 @@ namespace orrinvale {
 namespace {
 
 using Ending = ProgramAnswer::Ending;
+
+// Processes that only the kernel can keep from their end, each with a thread that waits for it.
+constexpr int mostLeftBehind = 8;
+std::atomic<int> leftBehind{0};
 
 std::vector<std::string> bareEnvironment() {
     std::vector<std::string> kept{"LC_ALL=C.UTF-8"};
@@ -85,18 +92,26 @@ std::optional<int> reapSoon(pid_t child) {
         if (const auto ending = reapNow(child)) return ending;
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+    ++leftBehind;
     try {
-        std::thread([child] { ::waitpid(child, nullptr, 0); }).detach();
-    } catch (const std::system_error&) {  // it stays a zombie until we end
+        std::thread([child] {
+            ::waitpid(child, nullptr, 0);
+            --leftBehind;
+        }).detach();
+    } catch (const std::system_error&) {  // it stays a zombie until we end, and counts as long
     }
     return std::nullopt;
 }
 
-// Until the program closes its end: Ended. Else why nobody reads on.
-Ending readAll(int output, int stopped, const ProgramQuestion& question, std::string& text) {
+// Until the program closes its end, or has ended, since a process that was made meanwhile may hold
+// that end as well: Ended. Else why nobody reads on.
+Ending readAll(int output, int process, int stopped, const ProgramQuestion& question,
+               std::string& text) {
     const auto end = std::chrono::steady_clock::now() + question.most;
     constexpr std::size_t piece = std::size_t{1} << 18U;
-    std::array<pollfd, 2> sources{{{output, POLLIN, 0}, {stopped, POLLIN, 0}}};
+    // In this order: what it wrote before its end is seen where its end is.
+    std::array<pollfd, 3> sources{
+        {{process, POLLIN, 0}, {stopped, POLLIN, 0}, {output, POLLIN, 0}}};
     for (;;) {
         const auto left = timeUntil(end);
         const int ready = ::poll(sources.data(), sources.size(), static_cast<int>(left.count()));
@@ -104,6 +119,7 @@ Ending readAll(int output, int stopped, const ProgramQuestion& question, std::st
         if (ready < 0) continue;
         if (sources[1].revents != 0) return Ending::Stopped;
         if (ready == 0) return Ending::TimedOut;
+        if (sources[2].revents == 0) return Ending::Ended;  // and nothing is left in the pipe
         const std::size_t before = text.size();
         text.resize(before + piece);
         const ssize_t got = ::read(output, text.data() + before, piece);
@@ -113,10 +129,38 @@ Ending readAll(int output, int stopped, const ProgramQuestion& question, std::st
     }
 }
 
+// Who may write this file may write the running program as well.
+bool isAsSafeAs(const struct stat& own, const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    if (status.st_uid != 0 && status.st_uid != own.st_uid) return false;
+    const mode_t open = status.st_mode & (S_IWGRP | S_IWOTH);
+    if ((open & ~own.st_mode) != 0) return false;
+    return (open & S_IWGRP) == 0 || status.st_gid == own.st_gid;
+}
+
+std::string companionOf(const struct stat& own, const std::string& executable,
+                        const std::string& name) {
+    const std::string here = folderOf(executable);
+    if (here.empty()) return {};
+    std::vector<std::string> candidates;
+    if (lastPathComponent(here) == "bin")
+        candidates.push_back(joinPath(folderOf(here), ORRINVALE_LIBEXEC "/orrinvale/" + name));
+    candidates.push_back(joinPath(here, name));
+    candidates.push_back(joinPath(ORRINVALE_FULL_LIBEXEC "/orrinvale", name));
+    for (const std::string& path : candidates)
+        if (isAsSafeAs(own, path) && ::access(path.c_str(), X_OK) == 0) return path;
+    return {};
+}
+
 }  // namespace
 
 ProgramAnswer askProgram(const ProgramQuestion& question, const std::stop_token& stop) {
     ProgramAnswer answer;
+    if (leftBehind >= mostLeftBehind) {
+        answer.status = EAGAIN;
+        return answer;
+    }
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) {
         answer.status = errno;
@@ -131,7 +175,9 @@ ProgramAnswer askProgram(const ProgramQuestion& question, const std::stop_token&
     answer.status = spawnAnswerer(question, theirs.get(), child);
     if (answer.status != 0) return answer;
     theirs.reset();
-    answer.ending = readAll(ours.get(), stopped.get(), question, answer.output);
+    // A kernel before 5.3 has none, and poll(2) passes by what is not open.
+    const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+    answer.ending = readAll(ours.get(), process.get(), stopped.get(), question, answer.output);
     if (answer.ending != Ending::Ended) ::kill(child, SIGKILL);
     const auto ending = reapSoon(child);
     if (answer.ending != Ending::Ended || !ending) return answer;
@@ -141,12 +187,15 @@ ProgramAnswer askProgram(const ProgramQuestion& question, const std::stop_token&
 }
 
 std::string companionProgram(const std::string& name) {
-    const std::string here = folderOf(ownExecutable());
-    if (here.empty()) return {};
-    for (const std::string& path :
-         {joinPath(here, name), joinPath(folderOf(here), "libexec/orrinvale/" + name)})
-        if (::access(path.c_str(), X_OK) == 0) return path;
-    return {};
+    struct stat own {};  // of what runs, which an update may have replaced
+    return ::stat("/proc/self/exe", &own) == 0 ? companionOf(own, ownExecutable(), name)
+                                               : std::string();
+}
+
+std::string companionProgram(const std::string& executable, const std::string& name) {
+    struct stat own {};
+    return ::stat(executable.c_str(), &own) == 0 ? companionOf(own, executable, name)
+                                                 : std::string();
 }
 
 }  // namespace orrinvale

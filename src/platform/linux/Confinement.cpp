@@ -90,7 +90,9 @@ private:
 };
 
 // What computing, memory, locks and threads of this process need. fstat(3) is newfstatat(2) with
-// the empty name, which can at most tell that a path is there.
+// the empty name. A filter sees no names, so that of any path it could be told what stat(2) tells:
+// that it is there, its size, times, owner and mode. None of its bytes, and nobody to tell it to
+// but who asked.
 constexpr long allowedCalls[] = {
     SYS_read,
     SYS_pread64,

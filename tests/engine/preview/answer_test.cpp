@@ -48,6 +48,8 @@ TEST(PreviewAnswers, ThatDoNotHoldTogetherAreNone) {
              picture + "width 4294967295\nheight 4294967295\n\n" + bytes,
              picture + "width 4294967298\nheight 2\n\n" + bytes,  // 2 in 32 bits
              picture + "width -2\nheight 2\n\n" + bytes,
+             hello + "kind 1\nstored-width 2147483648\nstored-height 9\nwidth 2\nheight 2\n\n" +
+                 bytes,                                        // less than nothing in 31 bits
              hello + "kind 1\nwidth 2\nheight 2\n\n" + bytes,  // of a picture without a size
              hello + "kind 2\n\n\xFF\xFE",                     // no UTF-8
              hello + "kind 2\n\n" + std::string(mostPlainText + 1, 'a'),

@@ -76,11 +76,19 @@ struct MediaCase {
     MediaFacts facts;
 };
 
+std::string wave(std::uint64_t sound) {
+    return "RIFF" + zeros(4) + "WAVE" + "LIST" + little(3, 4) + zeros(4) + "fmt " + little(16, 4) +
+           little(sound, 2) + little(2, 2) + little(44100, 4) + little(176'400, 4) + zeros(4) +
+           "data" + little(0xFFFF'FFFF, 4) + zeros(176'400);
+}
+
 std::vector<MediaCase> mediaCases() {
     const std::string shortHead = box("mvhd", zeros(12) + big(600, 4) + big(75'300, 4) + zeros(80));
     const std::string longHead =
         box("mvhd", "\1" + zeros(19) + big(1000, 4) + big(7'200'000, 8) + zeros(80));
     const std::string vorbis = "\x01vorbis" + zeros(4) + '\2' + little(44100, 4) + zeros(14);
+    std::string cutMatroska = matroska();
+    cutMatroska.replace(cutMatroska.find("\x01\xFF\xFF"), 8, "\x01" + big(9'000'000, 7));
     std::string frames;
     for (int i = 0; i < 100; ++i) frames += mpegFrame();
     return {
@@ -93,11 +101,14 @@ std::vector<MediaCase> mediaCases() {
          "fLaC" + zeros(14) +
              big((std::uint64_t{96000} << 44U) | (std::uint64_t{1} << 41U) | 192'000, 8) + zeros(9),
          {"FLAC", "", "FLAC", 2'000, 0, 0, 2, 96000}},
-        {"wav",
-         "RIFF" + zeros(4) + "WAVE" + "LIST" + little(3, 4) + zeros(4) + "fmt " + little(16, 4) +
-             little(1, 2) + little(2, 2) + little(44100, 4) + little(176'400, 4) + zeros(4) +
-             "data" + little(0xFFFF'FFFF, 4) + zeros(176'400),
-         {"WAV", "", "PCM", 1'000, 0, 0, 2, 44100}},
+        {"wav", wave(1), {"WAV", "", "PCM", 1'000, 0, 0, 2, 44100}},
+        {"wav of another sound", wave(0x11), {"WAV", "", "", 1'000, 0, 0, 2, 44100}},
+        {"mkv of which half came",
+         cutMatroska,
+         {"Matroska", "H.265", "Opus", 5'000, 640, 480, 6, 48000}},
+        {"mp4 of which half came",
+         box("ftyp", "isom" + zeros(4)) + big(9'000, 4) + "mdat",
+         {"MP4", "", "", 0, 0, 0, 0, 0}},
         {"ogg",
          oggPage('\2', 0, 7, vorbis) + oggPage('\0', 441'000, 7, "x") +
              oggPage('\4', 99, 8, "another stream"),
@@ -131,7 +142,9 @@ TEST(Media, TellWhatTheirHeadersSay) {
     for (const std::string& other :
          {std::string(), std::string("OggS"), std::string("text"), std::string(100, '\xFF'),
           std::string("\xFF\xFB\x90\x64 once and never again") + std::string(500, ' '),
-          std::string("RIFF\0\0\0\0WEBP", 12), big(0, 4) + "mdat" + std::string(50, 'x')})
+          std::string("RIFF\0\0\0\0WEBP", 12), big(0, 4) + "mdat" + std::string(50, 'x'),
+          box("ftyp", "heic" + zeros(4)) + box("meta", zeros(50)),  // a photo
+          "ID3\4" + zeros(6) + "fLaC" + zeros(500)})
         EXPECT_FALSE(factsOf(other)) << other;
 }
 
