@@ -112,19 +112,14 @@ void SameFileDeleteViewController::showPartly() {
     sheet->open(panel->list);
 }
 
-// What is protected stays so, whether it holds one of the two or lies in one.
+// What is protected stays so by whatever path it was named. What lies in one of the two is searched
+// as well where a search of that one would leave it out.
 SearchRequest SameFileDeleteViewController::requestFor(const PartlyEqual& pair) const {
     SearchRequest request = m_request;
     request.roots = {pair.folder, pair.other};
-    request.protectedFolders.clear();
     for (const std::string& each : m_request.protectedFolders)
-        for (const std::string& folder : {pair.folder, pair.other})
-            if (isWithin(folder, each)) {
-                request.protectedFolders.push_back(folder);
-            } else if (isWithin(each, folder)) {
-                request.roots.push_back(each);
-                request.protectedFolders.push_back(each);
-            }
+        if (isWithin(each, pair.folder) || isWithin(each, pair.other))
+            request.roots.push_back(each);
     return request;
 }
 

@@ -7,6 +7,8 @@
 #include <algorithm>
 
 #include "engine/duplicates/plan/planOfTicks.h"
+#include "engine/duplicates/scope/ProtectedFolders.h"
+#include "engine/removal/stayReasons.h"
 #include "engine/settings/PreferenceViewController.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/PageRemoval.h"
@@ -31,12 +33,32 @@
 namespace orrinvale {
 namespace {
 
+// A mount that came since the search may show what is protected by a path on which the folder that
+// goes does not lie.
+ListingObjection objectionToProtected(const FileSystem& files,
+                                      const std::vector<std::string>& folders) {
+    return [&files, folders, guard = std::shared_ptr<const ProtectedFolders>()](
+               const HeldEntry& bundle,
+               const BundleListing& listing) mutable -> std::optional<StayedEntry> {
+        if (guard == nullptr) guard = std::make_shared<ProtectedFolders>(files, folders);
+        for (const BundleEntry& entry : listing.entries)
+            if (entry.attributes.type == FileType::Folder && guard->isOneOrAbove(entry.attributes))
+                return StayedEntry{bundle.path, std::string(stay::isProtected),
+                                   StayReason::Protected};
+        return std::nullopt;
+    };
+}
+
 // As the main thread leaves it alone, and as it is compared: by the setting.
 std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
-                                    const std::vector<TreeNode::Pointer>& ticked) {
+                                    const std::vector<TreeNode::Pointer>& ticked,
+                                    const std::vector<std::string>& protectedFolders) {
     const bool compares = PreferenceViewController::compareBeforeRemoving();
-    return std::make_shared<RemovalPlan>(
+    auto plan = std::make_shared<RemovalPlan>(
         files, ticked, compares ? RemovalPlan::Comparing::Always : RemovalPlan::Comparing::Never);
+    if (!protectedFolders.empty())
+        plan->setObjection(objectionToProtected(files, protectedFolders));
+    return plan;
 }
 
 // What undo needs to know of what goes.
@@ -87,7 +109,7 @@ void SameFileDeleteViewController::showRemoving() {
 
 void SameFileDeleteViewController::delDuplicateItems() {
     showRemoving();
-    m_removal->plan = planOf(*m_parts.files, m_removal->ticked);
+    m_removal->plan = planOf(*m_parts.files, m_removal->ticked, m_request.protectedFolders);
     std::shared_ptr<RemovalList> list = m_removal->plan;
     if (m_removal->isToTrash)
         list = m_removal->undoable = std::make_shared<UndoableRemoval>(
