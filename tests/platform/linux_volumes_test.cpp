@@ -176,7 +176,7 @@ TEST(VolumeChoice, AServerHasANumberMadeOfItsName) {
 }
 
 // A tree of devices as sysfs shows it, udev's state, and one mount on "/" that lies on any of them.
-class MadeUpMachine {
+class MadeUpSight {
 public:
     // A device below /sys/devices; attributes are "name=text".
     void add(const std::string& folder, const std::string& number, const Texts& attributes = {}) {
@@ -210,7 +210,7 @@ TEST(LinuxVolumes, KindsOfDevicesAreToldByBusDriveAndMedium) {
     const std::string sata = "pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0/block/";
     const std::string usb =
         "pci0000:00/0000:00:14.0/usb2/2-1/2-1:1.0/host6/target6:0:0/6:0:0:0/block/";
-    MadeUpMachine machine;
+    MadeUpSight machine;
     machine.add(sata + "sda", "8:0", {"removable=0", "device/type=0"});
     machine.add(sata + "sda/sda1", "8:1", {"partition=1"});
     machine.add(usb + "sdb", "8:16", {"removable=1", "device/type=0"});
@@ -266,7 +266,7 @@ TEST(LinuxVolumes, KindsOfDevicesAreToldByBusDriveAndMedium) {
 }
 
 TEST(LinuxVolumes, ALabelNamesTheVolume) {
-    MadeUpMachine machine;
+    MadeUpSight machine;
     machine.add("virtual/block/sda", "8:0");
     EXPECT_EQ(machine.volumesOn("8:0").at(0)->volumeName, "System");
     const std::pair<const char*, const char*> cases[] = {

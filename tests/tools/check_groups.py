@@ -24,6 +24,7 @@ TOKEN = re.compile(r"\bnamespace\b([^{;=]*)\{|[{};]")
 TYPE = re.compile(r"^(?:class|struct|union|enum(?: class| struct)?)\s+(?:\[\[[^]]*\]\]\s*)*(\w+)")
 ALIAS = re.compile(r"^(?:using|namespace)\s+(\w+)\s*=\s*(.*)$")
 PROGRAMS = {"src/app", "src/preview", "src/gallery"}  # nobody includes their headers
+TAKEN_IN = re.compile(r"^using\s+((?:\w+::)+(\w+))$")
 IGNORED = re.compile(r"^(using\b|friend\b|static_assert\b|extern\b|template\s*<>|Q_|public\b|$)")
 
 
@@ -58,6 +59,9 @@ def declared(head):
     head = re.sub(r"^#.*$", "", head, flags=re.M)
     head = re.sub(r"\[\[[^]]*\]\]", " ", head)
     head = re.sub(r"^\s*template\s*<[^()]*?>\s*(?=\w)", "", " ".join(head.split()))
+    taken = TAKEN_IN.match(head)
+    if taken:
+        return taken.group(2), "= " + taken.group(1)
     if (IGNORED.match(head) and not ALIAS.match(head)) or not re.match(r"[A-Za-z_:]", head):  # the rest of an initial value
         return None
     found = ALIAS.match(head)
@@ -107,7 +111,9 @@ def names_in(text):
 def clash(one, other):
     """Whether two declarations of one name can not stand side by side; functions by their parameters, equal aliases may."""
     aliases = [isinstance(each, str) for each in (one, other)]
-    return one != other if all(aliases) else None in (one, other) or any(aliases) or one == other
+    if None in (one, other):
+        return True
+    return one != other if all(aliases) else not any(aliases) and one == other
 
 
 def check(root):
@@ -160,7 +166,8 @@ SELF_TEST_TREE = {
                            ("std::string told(const Entry& other, int n) { return {}; }", "told"),
                            ("bool isNear(const Entry& a) { return a == a; }", None), ("class Row final : Base {};", "Row"),
                            ("auto rowsOf(const std::vector<Entry>& every) -> int {", "rowsOf"), ("}", None), ("int words = 1;", "words"),
-                           ("using Rows = long;", "Rows"), ("template <typename T> void each(T&& other) {}", "each"),
+                           ("using Rows = long;", "Rows"), ("using testing::Row;", "Row"),
+                           ("template <typename T> void each(T&& other) {}", "each"),
                            ("int shown(int a) { return a; }", "shown"), ("}", None), ("}", None)],
     "src/engine/c.h": [("namespace orrinvale {", None), ("int shown(int value);", None), ("class Told {", None), ("    int limit();", None),
                        ("};", None), ("namespace {", None), ("const Files files;", None), ("}", None), ("}", None)],

@@ -207,9 +207,9 @@ TEST_F(Planned, WhatTheSnapServiceTakesIsNoOnesToTick) {
 }
 
 // Refuses the path that is locked.
-class LockedDoor final : public RemovalDoor {
+class LockedPathDoor final : public RemovalDoor {
 public:
-    explicit LockedDoor(const std::string& locked) : m_locked(locked) {}
+    explicit LockedPathDoor(const std::string& locked) : m_locked(locked) {}
     RemovalResult remove(const LeavingEntry& entry, const std::atomic<bool>& /*stop*/) override {
         RemovalResult out;
         out.gone = entry.path != m_locked;
@@ -231,7 +231,7 @@ TEST_F(Planned, ASecondAttemptTakesWhatTheFirstCopyLeftToTheSecond) {
     tree.write("home/Library/com.e.App.plist", "1");
     std::string locked;
     UninstallDoors doors = UninstallDoors::usual(parts);
-    doors.bundles = [&] { return std::make_unique<LockedDoor>(locked); };
+    doors.bundles = [&] { return std::make_unique<LockedPathDoor>(locked); };
     PlannedUninstallWork planned(parts, {}, doors, nullptr, nullptr);
     std::vector<AppItems> items;
     for (const AppItems& each : listed())

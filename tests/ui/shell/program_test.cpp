@@ -196,9 +196,9 @@ QProcessEnvironment offscreen(const TestTree& tree, const std::string& bus) {
 
 // A session bus that starts the program when somebody calls it by its name, as an installed one
 // does.
-class PrivateBus {
+class StartingBus {
 public:
-    explicit PrivateBus(TestTree& tree) {
+    explicit StartingBus(TestTree& tree) {
         if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty() ||
             QStandardPaths::findExecutable(QStringLiteral("gdbus")).isEmpty())
             return;
@@ -220,12 +220,12 @@ public:
         isThere = m_daemon.waitForStarted() &&
                   PageWindow::waitFor([&] { return testing::isThere(tree.at("bus")); });
     }
-    ~PrivateBus() {
+    ~StartingBus() {
         m_daemon.terminate();
         m_daemon.waitForFinished();
     }
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
+    StartingBus(const StartingBus&) = delete;
+    StartingBus& operator=(const StartingBus&) = delete;
 
     /// What the method answers; a null text when it fails.
     QString call(const QString& method, const QStringList& arguments,
@@ -261,7 +261,7 @@ private:
 
 TEST(Program, IsStartedAndReachedOverTheSessionBus) {
     TestTree tree;
-    PrivateBus bus(tree);
+    StartingBus bus(tree);
     if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
     ASSERT_TRUE(tree.write("a b/x", "same") && tree.write("a b/y", "same") &&
                 tree.write("c/x", "same"));
@@ -389,7 +389,7 @@ TEST(Program, NothingThatIsAskedFromOutsideRemovesAnything) {
 
 TEST(Program, OfTwoStartsAtTheSameMomentOneStays) {
     TestTree tree;
-    PrivateBus bus(tree);
+    StartingBus bus(tree);
     if (!bus.isThere) GTEST_SKIP() << "no dbus-daemon or no gdbus here";
     const QByteArray asked = qgetenv("ORRINVALE_TEST_ROUNDS");
     const int rounds = asked.isEmpty() ? 5 : asked.toInt();
