@@ -44,6 +44,18 @@ void handDown(FileNode& folder) {
     }
 }
 
+// A bundle is one row, and all that is in it stands as it does, whatever was ticked in it before.
+void setWhole(FileNode& node, FileNode::State state) {
+    std::vector<FileNode*> nodes{&node};
+    while (!nodes.empty()) {
+        FileNode* const next = nodes.back();
+        nodes.pop_back();
+        next->setState(state);
+        const auto children = next->childrenInAnyOrder();
+        nodes.insert(nodes.end(), children.begin(), children.end());
+    }
+}
+
 // Those of some siblings that are not clear. Only these are put into order: of a million entries
 // few are ticked one by one.
 std::vector<FileNode*> lastToFirst(std::span<FileNode* const> siblings) {
@@ -101,7 +113,7 @@ void tickOne(FileNode& node, FileNode::State state) {
     for (FileNode* folder = node.father(); folder != nullptr; folder = folder->father())
         above.push_back(folder);
     for (auto folder = above.rbegin(); folder != above.rend(); ++folder) handDown(**folder);
-    node.setState(state);
+    setWhole(node, state);
     for (FileNode* const folder : above) folder->setState(mixedFromChildren(*folder));
 }
 
@@ -115,7 +127,7 @@ void tickMany(FileNode& root, std::span<FileNode* const> nodes, FileNode::State 
             if (child->childCount() > 0) folders.push_back(child);
         }
     }
-    for (FileNode* const node : nodes) node->setState(state);
+    for (FileNode* const node : nodes) setWhole(*node, state);
     for (std::size_t last = folders.size(); last-- > 1;) {
         FileNode& folder = *folders[last];
         const auto children = folder.childrenInAnyOrder();

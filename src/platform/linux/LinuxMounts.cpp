@@ -1,5 +1,6 @@
 // LinuxFileSystem: what scans and removals ask of the table of mounts. The table itself is in
 // MountTable.h.
+#include <fcntl.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
@@ -9,8 +10,10 @@
 #include <string_view>
 
 #include "platform/accessTimes.h"
+#include "platform/descriptor.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/MountTable.h"
+#include "platform/paths.h"
 
 namespace orrinvale {
 namespace {
@@ -70,8 +73,13 @@ bool LinuxFileSystem::renamesSafely(int folder) const {
 }
 
 bool keepsAccessTimes(const std::string& path) {
+    // Where a link leads is another place; what has gone since it was listed lay in its folder.
+    Descriptor place(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!place.isOpen())
+        place = Descriptor(::open(folderOf(path).c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct statvfs volume {};
-    return ::statvfs(path.c_str(), &volume) == 0 && (volume.f_flag & (ST_NOATIME | ST_RDONLY)) == 0;
+    return place.isOpen() && ::fstatvfs(place.get(), &volume) == 0 &&
+           (volume.f_flag & (ST_NOATIME | ST_RDONLY)) == 0;
 }
 
 SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {

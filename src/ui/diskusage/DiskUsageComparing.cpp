@@ -73,6 +73,8 @@ RememberedScan rememberedScan(const ScanHistory& history, ScanRecord& record, bo
     if (!scan) return done;
     const ScanHistory::Place place{scan->facts.root, scan->facts.allFileSystems,
                                    scan->facts.volume};
+    // First, since that forgets the oldest. Where it fails it is only not there another day.
+    if (isKept) static_cast<void>(history.keep(*scan));
     done.kept = history.list(place);
     const auto leave = [&](std::int64_t time) {
         std::erase_if(done.kept, [time](const KeptScan& each) { return each.time == time; });
@@ -85,7 +87,6 @@ RememberedScan rememberedScan(const ScanHistory& history, ScanRecord& record, bo
         }
         leave(offered->time);
     }
-    if (isKept) static_cast<void>(history.keep(*scan));  // else it is only not there another day
     done.scan = std::make_shared<const StoredScan>(std::move(*scan));
     return done;
 }

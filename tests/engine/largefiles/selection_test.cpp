@@ -236,7 +236,11 @@ TEST(Selection, AFileThatIsTickedByItselfLeavesAllOthersAsTheyStood) {
             FileNode& file = *hand.files[which];
             const bool isTicking = *rc::gen::arbitrary<bool>();
             const auto state = isTicking ? FileNode::Selected : FileNode::NotSelected;
-            switch (*rc::gen::inRange(0, 6)) {
+            const auto isInFolder = [&](const FileNode* node) {
+                while (node != nullptr && node != &folder) node = node->father();
+                return node != nullptr;
+            };
+            switch (*rc::gen::inRange(0, 8)) {
                 case 0:
                     if (hand.isShown(folder)) hand.open(folder);
                     break;
@@ -250,6 +254,15 @@ TEST(Selection, AFileThatIsTickedByItselfLeavesAllOthersAsTheyStood) {
                                                       hand.files.end());
                     tickMany(hand.tree.root(), many, state);
                     std::fill(expected.begin() + std::ptrdiff_t(which), expected.end(), isTicking);
+                    break;
+                }
+                case 4:
+                case 5: {  // a bundle is a row, too
+                    FileNode* const bundle = &folder;
+                    if (*rc::gen::arbitrary<bool>()) tickOne(folder, state);
+                    else tickMany(hand.tree.root(), {&bundle, 1}, state);
+                    for (std::size_t i = 0; i < expected.size(); ++i)
+                        if (isInFolder(hand.files[i])) expected[i] = isTicking;
                     break;
                 }
                 default:

@@ -43,7 +43,9 @@ protected:
         QApplication::processEvents();
         for (const QString& text : shownTexts(widget)) {
             seen.insert(text);
-            if (!german.knows(text))
+            // A button of a menu may show what is chosen in it, with its arrow behind.
+            const bool isChoice = text.endsWith(QStringLiteral(" \u25BE"));
+            if (!german.knows(text) && !(isChoice && german.knows(text.chopped(2))))
                 ADD_FAILURE() << where << ": \"" << text.toStdString() << "\" is no German of ours";
         }
         for (const QString& text : cutTexts(widget))
