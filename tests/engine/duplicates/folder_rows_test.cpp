@@ -155,6 +155,22 @@ TEST_F(WholeFolders, TakeAlongWhatLiesInThem) {
     EXPECT_EQ(countTicked(*on.all().firstChild()), 1U) << "not even where the last was ticked";
 }
 
+TEST_F(WholeFolders, HideNoTickOfWhatLiesInTheEqualThatStays) {
+    on.search({"f"});
+    const auto group = [&] {
+        const SimpleNodeData& data = *simpleData(*on.all().lastChild());
+        return fmt::format("{} {}", data.selectNum(), data.showSelectNumStr());
+    };
+    EXPECT_EQ(on.tick("f/a"), LeafClick::Ticked);
+    EXPECT_EQ(on.tick("f/b/x"), LeafClick::Ticked);
+    on.selection.tickAllBut(*on.leaf("f/c/x"));
+    EXPECT_EQ(on.seen(), "folders: f/ax f/b\np: f/c/p f/d/p\nx: f/a/x- f/b/xx f/c/x\n");
+    EXPECT_EQ(group(), "2 1/3");
+    on.selection.setAll(on.all(), false);
+    EXPECT_TRUE(on.selection.allSelectNumArr().empty()) << on.seen();
+    EXPECT_EQ(group().substr(0, 2), "0 ");
+}
+
 TEST_F(WholeFolders, GoOnlyAsTheSearchSawThem) {
     using Result = FolderResult;
     const std::string changed = ": changed since the scan",

@@ -125,22 +125,20 @@ void DuplicateSelection::clickGroup(TreeNode& group) {
 void DuplicateSelection::tickAllBut(const TreeNode& leaf) {
     TreeNode& group = *leaf.nodeParent();
     if (simpleData(group)->isProtected()) return;
-    const std::size_t copies = group.numberOfChildren();
-    std::size_t ticked = 0;
     bool isHeldBack = false;
-    for (std::size_t i = 0; i < copies; ++i) {
-        const TreeNode::Pointer& child = group.childAtIndex(i);
+    for (const TreeNode::Pointer& child : group.children()) {
         SimpleNodeData& data = *simpleData(*child);
         if (child.get() == &leaf) {
             clear(data);
             m_ticked.remove(child.get());
-        } else if (!isHeld(data)) {
-            if (data.selectNum() != 1) tick(child);
-            ++ticked;
-        } else {
+        } else if (isHeld(data)) {
             isHeldBack = true;
+        } else if (data.selectNum() != 1) {
+            tick(child);
         }
     }
+    // What is held may have been ticked by its own box: that tick stays, and is shown.
+    const std::size_t ticked = countTicked(group);
     showGroup(group, ticked == 0 && isHeldBack ? 0 : 2, ticked);
 }
 
@@ -192,7 +190,6 @@ void DuplicateSelection::tickInHeader(TreeNode& group) {
     if (simpleData(group)->isProtected()) return;
     if (group.numberOfChildren() == 0) return;
     const TreeNode* const stays = copyThatStays(group);
-    std::size_t ticked = 0;
     bool isHeldBack = false;
     // Of folders it never ticks all, also where the one that stays was ticked before.
     if (simpleData(group)->wholeFolder() != nullptr && simpleData(*stays)->selectNum() == 1) {
@@ -205,10 +202,9 @@ void DuplicateSelection::tickInHeader(TreeNode& group) {
         isHeldBack |= isLeafHeld;
         if (leaf.get() == stays || isLeafHeld) continue;
         tick(leaf);
-        ++ticked;
     }
-    const bool isClear = ticked == 0 && isHeldBack && countTicked(group) == 0;
-    showGroup(group, isClear ? 0 : 2, ticked);
+    const std::size_t ticked = countTicked(group);
+    showGroup(group, ticked == 0 && isHeldBack ? 0 : 2, ticked);
 }
 
 void DuplicateSelection::clearGoing(std::span<const TreeNode::Pointer> leaves) {
