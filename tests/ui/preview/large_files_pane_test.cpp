@@ -1,5 +1,6 @@
 // The preview beside the large files: a file has no copy to stand beside it, and may lie on a disk
 // that does not answer.
+#include <QAbstractButton>
 #include <QBuffer>
 #include <QImage>
 #include <QLabel>
