@@ -21,6 +21,7 @@
 #include "platform/deadline.h"
 #include "platform/descriptor.h"
 #include "platform/linux/ProgramFiles.h"
+#include "platform/linux/SpawnPlan.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -51,26 +52,9 @@ int spawnAnswerer(const ProgramQuestion& question, int output, pid_t& child) {
     std::vector<std::string> texts{question.program};
     texts.insert(texts.end(), question.arguments.begin(), question.arguments.end());
     std::vector<std::string> variables = bareEnvironment();
-    posix_spawn_file_actions_t actions{};
-    posix_spawnattr_t attributes{};
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawnattr_init(&attributes);
-    ::posix_spawn_file_actions_adddup2(&actions, question.input, STDIN_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-    ::posix_spawn_file_actions_addchdir_np(&actions, "/");
-    sigset_t signals;
-    ::sigemptyset(&signals);
-    ::posix_spawnattr_setsigmask(&attributes, &signals);
-    ::sigfillset(&signals);
-    ::posix_spawnattr_setsigdefault(&attributes, &signals);
-    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    const int error = ::posix_spawn(&child, question.program.c_str(), &actions, &attributes,
-                                    asVector(texts).data(), asVector(variables).data());
-    ::posix_spawn_file_actions_destroy(&actions);
-    ::posix_spawnattr_destroy(&attributes);
-    return error;
+    const SpawnPlan plan(question.input, output, SpawnPlan::nothing);
+    return ::posix_spawn(&child, question.program.c_str(), &plan.actions, &plan.attributes,
+                         asVector(texts).data(), asVector(variables).data());
 }
 
 // Nothing while it runs on.

@@ -18,6 +18,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/linux/SpawnPlan.h"
+
 namespace orrinvale {
 namespace {
 
@@ -43,36 +45,6 @@ private:
     static inline std::mutex s_mutex;  // guards the two below
     static inline int s_count = 0;
     static inline int s_before = 1;
-};
-
-/// What posix_spawn is told; freed with it.
-class SpawnPlan final {
-public:
-    SpawnPlan(int input, int errors) {
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawnattr_init(&attributes);
-        ::posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-        ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        ::posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
-        ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-        ::posix_spawn_file_actions_addchdir_np(
-            &actions, "/");  // pkexec gives up where the working folder is gone
-        sigset_t signals;
-        ::sigemptyset(&signals);
-        ::posix_spawnattr_setsigmask(&attributes, &signals);
-        ::sigfillset(&signals);
-        ::posix_spawnattr_setsigdefault(&attributes, &signals);
-        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    }
-    ~SpawnPlan() {
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::posix_spawnattr_destroy(&attributes);
-    }
-    SpawnPlan(const SpawnPlan&) = delete;
-    SpawnPlan& operator=(const SpawnPlan&) = delete;
-
-    posix_spawn_file_actions_t actions{};
-    posix_spawnattr_t attributes{};
 };
 
 int waitFor(pid_t child) {
@@ -174,7 +146,7 @@ int HelperProcess::spawn() {
     ::fcntl(errors[0], F_SETFL,
             O_NONBLOCK);  // of our end only; the other programs' writes still wait
     const Descriptor theirErrors(errors[1]);
-    const SpawnPlan plan(m_theirs.get(), theirErrors.get());
+    const SpawnPlan plan(m_theirs.get(), SpawnPlan::nothing, theirErrors.get());
     std::string program = m_paths.pkexec;
     std::string noAgent = "--disable-internal-agent";
     std::string helper = m_paths.helper;

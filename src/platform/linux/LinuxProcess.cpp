@@ -13,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/linux/SpawnPlan.h"
 #include "platform/process.h"
 
 namespace orrinvale {
@@ -30,28 +31,14 @@ int spawn(const std::string& program, const std::vector<std::string>& arguments,
     std::transform(texts.begin(), texts.end(), vector.begin(),
                    [](std::string& text) { return text.data(); });
 
-    posix_spawn_file_actions_t actions{};
-    posix_spawnattr_t attributes{};
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawnattr_init(&attributes);
-    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-    ::posix_spawn_file_actions_addchdir_np(&actions, "/");
+    SpawnPlan plan(SpawnPlan::nothing, SpawnPlan::nothing, SpawnPlan::nothing);
     sigset_t signals;
-    ::sigemptyset(&signals);
-    ::posix_spawnattr_setsigmask(&attributes, &signals);
     ::sigfillset(&signals);
     for (const int each : {SIGHUP, SIGINT, SIGQUIT})
         if (isIgnored(each)) ::sigdelset(&signals, each);
-    ::posix_spawnattr_setsigdefault(&attributes, &signals);
-    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    const int error =
-        ::posix_spawn(&child, program.c_str(), &actions, &attributes, vector.data(), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
-    ::posix_spawnattr_destroy(&attributes);
-    return error;
+    plan.setDefaultSignals(signals);
+    return ::posix_spawn(&child, program.c_str(), &plan.actions, &plan.attributes, vector.data(),
+                         environ);
 }
 
 int reap(pid_t child) {
