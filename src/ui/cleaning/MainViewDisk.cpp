@@ -16,6 +16,7 @@
 #include "ui/page/PageStack.h"
 #include "ui/volumes/FreeSpacePage.h"
 #include "ui/volumes/MyMacView.h"
+#include "ui/volumes/levelNow.h"
 
 namespace orrinvale {
 
@@ -84,7 +85,8 @@ void MainViewController::look(bool isOnScreen) {
 void MainViewController::showDisk() {
     const SeenVolume* const boot = bootVolume(m_seen.volumes);
     if (boot == nullptr) return;
-    if (m_myMacView == nullptr || m_myMacView->customView() == nullptr) {
+    if (m_myMacView == nullptr || m_myMacView->customView() == nullptr ||
+        m_myMacView->level() != levelNow()) {
         delete m_myMacView;
         m_myMacView =
             new MyMacView([this] { return m_seen.volumes; }, *m_parts.pages.notifications, *this);

@@ -13,11 +13,10 @@
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/lists/LeftRail.h"
 #include "ui/page/PageStack.h"
+#include "ui/volumes/levelNow.h"
 
 namespace orrinvale {
 namespace {
-
-constexpr float shortPercent = 10;
 
 DiskUsageLeftCell::Place placeOf(const ZvVolumeInfo& volume) {
     const VolumeSpace space = spaceOf(volume);
@@ -28,7 +27,7 @@ DiskUsageLeftCell::Place placeOf(const ZvVolumeInfo& volume) {
         volume.bIsDefaultVol ? QStringLiteral("disk_mac") : QStringLiteral("disk_ico_1");
     place.total = shownSize(volume.totalSpace);
     place.free = shownSize(volume.freeSpace);
-    place.isShort = isShortOfSpace(space, shortPercent);
+    place.isShort = isShortOfSpace(space, static_cast<float>(warningLevelIn(levelNow())));
     if (space.total != 0)
         place.fullness = 1.0 - std::min(1.0, double(space.free) / double(space.total));
     return place;

@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "engine/base/notices.h"
-#include "engine/settings/UtilityFunctionOfData.h"
 #include "engine/volumes/volumeNotices.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/Panel.h"
@@ -19,16 +18,9 @@
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/viewParts.h"
 #include "ui/page/ResultFrame.h"
+#include "ui/volumes/levelNow.h"
 
 namespace orrinvale {
-namespace {
-
-std::string levelNow() {
-    return errorValueOf(UtilityFunctionOfData::getMyData().readerTxtForSettingValue()->errorValue);
-}
-
-}  // namespace
-
 FreeSpacePage::FreeSpacePage(const PageServices& services, FreeSpaceParts parts)
     : m_services(services),
       m_parts(parts),

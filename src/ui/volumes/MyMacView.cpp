@@ -6,12 +6,13 @@
 #include "engine/settings/UtilityFunctionOfData.h"
 #include "engine/volumes/volumeNotices.h"
 #include "ui/volumes/CustomVolumView.h"
+#include "ui/volumes/levelNow.h"
 
 namespace orrinvale {
 
 MyMacView::MyMacView(VolumeList volumes, const NotificationCenter& notifications,
                      CustomVolumViewDelegate& delegate, QWidget* parent)
-    : QWidget(parent), m_volumes(std::move(volumes)) {
+    : QWidget(parent), m_volumes(std::move(volumes)), m_level(levelNow()) {
     setObjectName(QStringLiteral("myMacView"));
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins({});
@@ -19,8 +20,7 @@ MyMacView::MyMacView(VolumeList volumes, const NotificationCenter& notifications
     const SeenVolume* const boot = bootVolume(seen);
     if (boot == nullptr) return;
     const auto settings = UtilityFunctionOfData::getMyData().readerTxtForSettingValue();
-    m_customView = new CustomVolumView(*boot->record, errorValueOf(settings->errorValue),
-                                       warningLevelIn(settings->digital),
+    m_customView = new CustomVolumView(*boot->record, m_level, warningLevelIn(settings->digital),
                                        static_cast<std::int32_t>(boot - seen.data()), delegate);
     column->addWidget(m_customView);
     notice::FreeTotleArr.post(notifications, {boot->record->totalSpace, boot->record->freeSpace});

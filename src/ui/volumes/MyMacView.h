@@ -3,6 +3,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "engine/volumes/SystemSight.h"
@@ -30,9 +31,12 @@ public:
     void updateViewAndData();
 
     [[nodiscard]] CustomVolumView* customView() const { return m_customView; }  ///< null for none
+    /// What the card compares with. It keeps the level that it was made with.
+    [[nodiscard]] const std::string& level() const { return m_level; }
 
 private:
     const VolumeList m_volumes;
+    const std::string m_level;
     CustomVolumView* m_customView = nullptr;
 };
 

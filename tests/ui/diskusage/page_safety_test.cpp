@@ -7,6 +7,7 @@
 #include "engine/diskusage/UsageSelection.h"
 #include "ui/diskusage/TreemapView.h"
 #include "ui/diskusage/UsagePage.h"
+#include "ui/kit/look/Theme.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -100,6 +101,22 @@ TEST(DiskUsagePage, AsksForNothingThatWouldStay) {
     on.clickRow(0, 0, true);
     ASSERT_TRUE(on.remove(0));
     EXPECT_EQ(namesIn(on.tree.at("data")), (Strings{"big.iso", "small.txt"}));
+}
+
+// As Free Space and the tray do: a disk that is half free is short of space for who asks for more.
+TEST(DiskUsagePage, ADiskIsShortOfSpaceBelowThePersonsOwnLevel) {
+    UsagePage on;
+    for (const float level : {0.1F, 0.6F}) {
+        on.defaults.setFloat(level, ZvSpaceAlarmKey);
+        on.showVolume("Disk", on.tree.at("disk"));
+        const QImage drawn = on.row(1)->grab().toImage();
+        const QRgb warning = Theme::shared().color(Theme::Color::Warning).rgb();
+        bool isWarned = false;
+        for (int y = 0; y < drawn.height(); ++y)
+            for (int x = 0; x < drawn.width(); ++x) isWarned |= drawn.pixel(x, y) == warning;
+        EXPECT_EQ(isWarned, level > 0.5F) << level;
+        on.showVolume({}, {});
+    }
 }
 
 TEST(DiskUsagePage, ALeavingVolumeEndsWhatRunsOnItAndTakesItsFolderAlong) {
