@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/isSanitized.h"
+
 namespace orrinvale::testing {
 
 /// A signal that is sent when the condition on what stands on standard error so far holds. Signals
@@ -76,15 +78,5 @@ struct StatusCase {
 /// fails on a full disk.
 void expectStatuses(const std::string& command, const std::string& folder,
                     const std::vector<StatusCase>& cases, const std::vector<std::string>& forms);
-
-/// True where the programs carry their own allocator, so that limits on memory mean nothing and
-/// times are long.
-[[nodiscard]] constexpr bool isSanitized() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
-#else
-    return false;
-#endif
-}
 
 }  // namespace orrinvale::testing

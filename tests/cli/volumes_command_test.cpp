@@ -1,6 +1,7 @@
 // orrinvale-cli volumes as a process, among mounts with names that no one should use. Each run sees
 // mounts of its own, which go with it.
 #include <nlohmann/json.hpp>
+#include <regex>
 
 #include "cli/ProgramRun.h"
 #include "support/test.h"
@@ -74,7 +75,9 @@ TEST_F(VolumesCommand, TheDocumentHoldsEveryFieldOfEveryRecord) {
 TEST_F(VolumesCommand, TheListingIsOneLineAVolumeAndPathsAreExact) {
     const auto listing = volumesRun(mounts, program);
     EXPECT_EQ(listing.status, 0);
-    EXPECT_NE(listing.output.find("local  2.05 MB of 2.05 MB"), std::string::npos)
+    // How wide a column is depends on the volumes of the machine.
+    const std::string words = std::regex_replace(listing.output, std::regex(" +"), " ");
+    EXPECT_NE(words.find(" local 2.05 MB of 2.05 MB no /mnt/locked/a\\nb\n"), std::string::npos)
         << listing.output;
     EXPECT_NE(listing.output.find("  /mnt/locked/a\\nb\n"), std::string::npos) << listing.output;
     EXPECT_NE(listing.output.find("  /mnt/locked/c\\xff\n"), std::string::npos) << listing.output;

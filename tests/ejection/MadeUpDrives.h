@@ -2,9 +2,13 @@
 // devices and the mounts are files of the test.
 #pragma once
 
+#include <sys/socket.h>
+#include <sys/un.h>
+
 #include <nlohmann/json.hpp>
 
 #include "engine/volumes/VolumesInfo.h"
+#include "platform/descriptor.h"
 #include "platform/linux/LinuxVolumes.h"
 #include "support/ServiceProcess.h"
 #include "support/test.h"
@@ -30,6 +34,16 @@ inline std::string obstacle() {
     return status == 0 ? std::string() : "python3-dbusmock is not here";
 }
 
+// The name of a socket is there before anybody listens.
+inline bool isListening(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const Descriptor end(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const auto* const to = reinterpret_cast<const sockaddr*>(&address);
+    return ::connect(end.get(), to, sizeof address) == 0;
+}
+
 /// The disks as disk_service.py reads them, the lines of the table of mounts below "/", and the
 /// service's answers that are not the usual ones. No disks, no service. While it lives the system
 /// bus is the test's.
@@ -42,7 +56,7 @@ public:
         for (const std::string& line : linesOf(disks)) addDevice(line);
         ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
         bus.emplace(Texts{kBus, "--session", "--nofork", "--nopidfile", "--address=" + address});
-        isReady = comesTrue([&] { return isThere(tree.at("bus")); });
+        isReady = comesTrue([&] { return isListening(tree.at("bus")); });
         if (disks.empty()) return;
         const nlohmann::json parameters{{"disks", disks},
                                         {"mounts", tree.at("mounts")},

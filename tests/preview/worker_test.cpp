@@ -3,10 +3,12 @@
 #include <QBuffer>
 #include <QImage>
 #include <QImageWriter>
+#include <cstring>
 #include <stop_token>
 
 #include "engine/preview/PreviewReader.h"
 #include "platform/askProgram.h"
+#include "support/isSanitized.h"
 #include "support/test.h"
 
 namespace orrinvale {
@@ -117,6 +119,8 @@ TEST(PreviewWorker, ShowsWhatItCanAndSaysWhyItCanNot) {
         {"large.png", Kind::Failed, Failure::TooLarge, 0, 0, 0, 0},
     };
     for (const auto& each : cases) {
+        // There the process has no limit of its own, which the toolkit's is not tight enough for.
+        if (testing::isSanitized() && std::strstr(each.name, "in passes") != nullptr) continue;
         const Preview seen = reader().read(tree.at(each.name), 320, {});
         const PreviewAnswer& answer = seen.answer;
         EXPECT_EQ(seen.error, 0) << each.name;

@@ -233,7 +233,7 @@ void SameFileDeleteViews::fillBottom() {
     line->setFont(removedLine->font());
     line->setForegroundRole(QPalette::PlaceholderText);
     line->hide();
-    bottom->replaceWidget(removedLine, line);
+    delete bottom->replaceWidget(removedLine, line);  // the old place is ours
     delete removedLine;
     removedLine = line;
     removedLine->setContentsMargins(Theme::gapSmall, 0, Theme::gapSmall, 0);

@@ -15,7 +15,8 @@ struct Machine {
     testing::ServedQueue queue;
 
     static Machine& make() {
-        auto* const made = new Machine;
+        static auto* const all = new std::vector<Machine*>;  // which keeps them in reach
+        auto* const made = all->emplace_back(new Machine);
         made->volumes.fake.volumes = {FakeVolumes::volume(1, "root", "/", false, 1'000'000'000),
                                       FakeVolumes::volume(2, "a", "/a", true, 1'000'000'000)};
         return *made;

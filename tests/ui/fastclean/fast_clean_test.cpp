@@ -23,6 +23,7 @@
 #include "ui/support/NamedControls.h"
 #include "ui/support/PageWindow.h"
 #include "ui/support/RecordedDialogs.h"
+#include "ui/support/threadsNow.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -53,6 +54,7 @@ struct Desk : NamedControls {
         EXPECT_SOON(clean->clrSysController() == nullptr ||
                     !clean->clrSysController()->isWorking());
         clean.reset();
+        EXPECT_SOON(threadsNow() <= threads) << "a scan that was let go is still in the home";
         UtilityObject::getMyObject().setIsCanBeAction(true);
         UserDefaults::setStandardUserDefaults(nullptr);
     }
@@ -90,6 +92,7 @@ struct Desk : NamedControls {
         return ParseFileLog(home.tree.at("state")).getSize(nullptr);
     }
 
+    const std::size_t threads = threadsNow();
     CleanHome home;
     UserDefaults defaults{home.tree.at("settings.ini")};
     NotificationCenter center;

@@ -10,6 +10,7 @@
 #include "support/test.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/kit/lists/RowDelegate.h"
+#include "ui/support/threadsNow.h"
 
 namespace orrinvale::testing {
 
@@ -31,10 +32,7 @@ void Gate::set(bool isOpen) {
     m_opened.notify_all();
 }
 
-namespace {
-
 std::size_t threadsNow() {
-    // Ours have the name of the process; Qt's have names of their own, and may stay.
     const auto nameOf = [](const std::filesystem::path& thread) {
         std::string name;
         std::getline(std::ifstream(thread / "comm"), name);
@@ -45,8 +43,6 @@ std::size_t threadsNow() {
         begin(threads), end(threads),
         [&](const auto& thread) { return nameOf(thread.path()) == nameOf("/proc/self"); }));
 }
-
-}  // namespace
 
 PageWindow::PageWindow() : m_defaults(m_settings.at("settings.ini")), m_threads(threadsNow()) {
     files.onOpenFile = [this](const char* /*name*/) { reading.pass(); };

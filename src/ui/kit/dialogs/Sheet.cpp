@@ -61,7 +61,9 @@ Sheet::Sheet(QWidget& widget, QWidget* content) : QWidget(widget.window()), m_co
     });
 }
 
-Sheet::~Sheet() = default;
+// The keyboard leaves what is in it while that goes, of which a sheet that is half gone may not
+// hear.
+Sheet::~Sheet() { disconnect(qApp, nullptr, this, nullptr); }
 
 void Sheet::open(QWidget* first) {
     m_first = first;
