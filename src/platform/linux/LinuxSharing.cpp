@@ -31,7 +31,6 @@ public:
         std::uint64_t logical, physical, length;
         bool isTold;    ///< the places mean something
         bool isInline;  ///< kept beside the file's name, in no place of its own
-        friend bool operator==(const Piece&, const Piece&) = default;
     };
 
     explicit ExtentReader(int file) : m_file(file) {}
