@@ -133,7 +133,7 @@ void appendChange(std::string& text, const ScanDifference& difference, std::uint
 }
 
 std::string signedWords(std::int64_t change) {
-    const std::string size = UtilityFunction::convertVolSpace(withoutSign(change));
+    std::string size = UtilityFunction::convertVolSpace(withoutSign(change));
     if (size.starts_with("0.00")) return size;
     return (change > 0 ? "+" : "-") + size;
 }

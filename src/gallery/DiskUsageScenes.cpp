@@ -53,7 +53,7 @@ DiskUsageScenes::DiskUsageScenes(const SampleFolder& sample, UserDefaults& defau
     services.stateFolder = m_state.path().toStdString();
     keepEarlierScan();
     m_controller->registerPage(diskUsagePage(
-        std::move(services),
+        services,
         {.watch = &m_watch, .home = "/home/anna", .userName = QStringLiteral("anna"), .open = {}}));
     m_controller->showWindow();
     constexpr QSize usual{1000, 640};

@@ -62,7 +62,7 @@ TEST(CleanPerson, isAskedOnATerminal) {
                              std::string(each.meanwhile) + "; echo '" + each.answer +
                              "') | script -qfec '" + command +
                              "' told > /dev/null; echo status $?"};
-        run.environment.push_back("PATH=/usr/bin:/bin");
+        run.environment.emplace_back("PATH=/usr/bin:/bin");
         const auto result = run.run();
         const std::string told = contentOf(tree.at("told"));
         if (told.empty()) GTEST_SKIP() << "no script(1) here";

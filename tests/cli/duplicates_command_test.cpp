@@ -181,7 +181,7 @@ TEST(DuplicatesSearch, RulesFoldersAndFilters) {
     };
     for (const auto& each : cases) {
         ProgramRun run = duplicatesRun(each.arguments);
-        run.arguments.push_back("--json");
+        run.arguments.emplace_back("--json");
         run.folder = tree.path();
         const auto result = run.run();
         EXPECT_EQ(result.status, each.status) << result.error;

@@ -156,7 +156,7 @@ TEST(FoldersCommand, OfALinkThatIsSearchedGoesWhatItLeadsTo) {
     auto asked = foldersRun(tree, "remove", {"--plan", tree.at("plan")});
     asked.inputTerminal = true;
     asked.typed = {
-        {"y\n", [](const std::string& error) { return error.find("[y/N]") != error.npos; }}};
+        {"y\n", [](const std::string& error) { return error.find("[y/N]") != std::string::npos; }}};
     const auto removed = asked.run();
     EXPECT_EQ(removed.status, 0) << removed.output;
     EXPECT_THAT(removed.error, HasSubstr("Remove 1 whole folder, "));

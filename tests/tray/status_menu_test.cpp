@@ -2,6 +2,7 @@
 #include "ui/tray/StatusMenu.h"
 
 #include <QAccessible>
+#include <QStyle>
 #include <QTest>
 #include <QToolButton>
 #include <QWidgetAction>

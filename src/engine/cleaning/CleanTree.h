@@ -42,12 +42,12 @@ public:
 
     /// Each brings the list along, and its button.
     void clickLeaf(TreeNode& leaf);
-    void clickGroup(TreeNode& group);
+    void clickGroup(TreeNode& node);
     /// Of a list that is filtered: ticks these leaves of one group, or clears them where all are
     /// ticked.
-    void clickLeaves(TreeNode& group, std::span<TreeNode* const> leaves);
-    void setLeaves(TreeNode& group, std::span<TreeNode* const> leaves, bool isTicked);
-    void setAllSelectOrNoSelect(bool isTicked);
+    void clickLeaves(TreeNode& node, std::span<TreeNode* const> leaves);
+    void setLeaves(TreeNode& node, std::span<TreeNode* const> leaves, bool isOn);
+    void setAllSelectOrNoSelect(bool isOn);
     /// Takes out the row of a list that has just lost it, and its group with the last one. Returned
     /// is what went, for whoever still points to it; null where there is no such row.
     [[nodiscard]] TreeNode::Pointer takeOut(std::size_t category, std::string_view path);
@@ -79,8 +79,8 @@ private:
         const Group& before, const ScanViewController::Rows& rows);
     static void showTicks(Group& group);
     [[nodiscard]] Group& groupOf(const TreeNode& node);
-    void setAll(Group& group, bool isTicked) const;
-    static void setLeaf(Group& group, TreeNode& leaf, bool isTicked);
+    void setAll(Group& group, bool isOn) const;
+    static void setLeaf(Group& group, TreeNode& leaf, bool isOn);
     static void showGroup(Group& group);
 
     std::shared_ptr<SimpleTreeNode> m_treeData;

@@ -124,10 +124,10 @@ private:
 
     SysResult<Descriptor> open(const WalkedFolder& folder) override;
     bool mayList(WalkedFolder& folder) override;
-    void take(Worker& worker, WalkedFolder& folder, std::uint32_t first) override;
-    void takeDeep(Worker& worker, WalkedFolder& folder) override;
-    void listed(WalkedFolder& folder) override;
-    void fail(WalkedFolder& folder, std::string_view operation, int number) override;
+    void take(Worker& worker, WalkedFolder& walked, std::uint32_t first) override;
+    void takeDeep(Worker& worker, WalkedFolder& walked) override;
+    void listed(WalkedFolder& walked) override;
+    void fail(WalkedFolder& walked, std::string_view operation, int number) override;
 
     UsageFolder* takeEntry(UsageFolder& folder, int handle, CatalogEntry& entry, Piece& piece);
     UsageFolder* makeFolder(UsageFolder& above, const CatalogEntry& entry, std::uint8_t marks,

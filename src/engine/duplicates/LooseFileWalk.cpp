@@ -73,8 +73,8 @@ LooseFileWalk::LooseFileWalk(const FileSystem& files, const LooseFileQuery& quer
     : FolderWalk(files, &stop, &skipped, mostOpenFolders(files)),
       m_query(query),
       m_skipped(skipped),
-      m_shares(mostThreads) {
-    m_root = &m_shares[0].folders->emplace_back();
+      m_shares(mostThreads),
+      m_root(&m_shares[0].folders->emplace_back()) {
     m_root->name = m_shares[0].names->copy(query.root);
     m_root->throughLink = true;
     if (!outermostBundle(query.root).empty()) m_root->bundle = newBundle();

@@ -168,7 +168,7 @@ std::string AutostartItems::programOf(const AutostartEntry& entry) const {
         return {};
     const auto words = commandWords(entry.text("Exec"));
     if (words.empty()) return {};
-    const std::string program = found(words.front());
+    std::string program = found(words.front());
     if (program.empty()) return {};
     const auto own = pathOfFileUrl(entry.text(entryKey::path));
     if (!own) return program;

@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] std::vector<LoginItemRecord> list(std::int32_t& status) const override;
     [[nodiscard]] std::string pathToAdd(const std::string& path) const override;
-    [[nodiscard]] std::int32_t add(const std::string& path, bool hidden) override;
+    [[nodiscard]] std::int32_t add(const std::string& wanted, bool hidden) override;
     [[nodiscard]] Result<void> setStarts(const std::string& fileName, bool starts) override;
     [[nodiscard]] Result<void> setHidden(const std::string& fileName, bool hidden) override;
     [[nodiscard]] const LoginItemFolders& folders() const override { return m_folders; }

@@ -97,8 +97,9 @@ void PlannedUninstallWork::takeLeftovers(UninstallForecast& forecast, std::vecto
 
 // One look for all.
 std::vector<RunState> PlannedUninstallWork::runningOf(const std::vector<AppItems>& items) const {
-    std::vector<const ApplicationRecord*> records;
-    for (const AppItems& each : items) records.push_back(each.record.get());
+    std::vector<const ApplicationRecord*> records(items.size());
+    std::ranges::transform(items, records.begin(),
+                           [](const AppItems& each) { return each.record.get(); });
     return m_parts.applications->running(records);
 }
 

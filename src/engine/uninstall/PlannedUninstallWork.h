@@ -35,7 +35,7 @@ public:
 
     [[nodiscard]] UninstallOutlook forecast(const std::vector<AppItems>& items,
                                             const std::atomic<bool>& stop) override;
-    [[nodiscard]] std::vector<UninstallResult> remove(const UninstallPlan& plan,
+    [[nodiscard]] std::vector<UninstallResult> remove(const UninstallPlan& agreed,
                                                       const std::vector<UninstallRequest>& requests,
                                                       ProgressBox& progress,
                                                       const std::atomic<bool>& stop) override;

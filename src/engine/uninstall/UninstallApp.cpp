@@ -72,6 +72,7 @@ std::vector<PlannedEntry> UninstallApp::planOf(const AppItems& app) const {
         paths = getFilesByBundle(*app.bundleID, searchedFolders());
     paths.push_back(app.path);
     std::vector<PlannedEntry> out;
+    out.reserve(paths.size());
     for (std::string& path : paths) out.push_back(PlannedEntry::at(m_files, std::move(path)));
     return out;
 }

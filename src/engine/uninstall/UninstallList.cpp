@@ -130,9 +130,10 @@ bool UninstallList::isInRow(const AppItems& item, std::int32_t row) const {
 
 bool UninstallList::isWanted(const AppItems& item) const {
     return m_filter.empty() ||
-           std::ranges::any_of(
-               std::array{item.name, item.record->id, item.record->package},
-               [&](const std::string& each) { return keyOf(each).find(m_filter) != each.npos; });
+           std::ranges::any_of(std::array{item.name, item.record->id, item.record->package},
+                               [&](const std::string& each) {
+                                   return keyOf(each).find(m_filter) != std::string::npos;
+                               });
 }
 
 std::size_t UninstallList::countOf(std::int32_t row) const {

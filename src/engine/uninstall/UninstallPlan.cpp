@@ -19,6 +19,7 @@ namespace {
 std::vector<PlannedEntry> entriesAt(const FileSystem& files,
                                     const std::vector<std::string>& paths) {
     std::vector<PlannedEntry> out;
+    out.reserve(paths.size());
     for (const std::string& path : paths) out.push_back(PlannedEntry::at(files, path));
     return out;
 }
@@ -65,6 +66,7 @@ std::string refusalByOthers(const ApplicationRecord& folder, const AppItemsArray
 std::vector<ApplicationRecord> recordsOf(const UninstallPlan& plan,
                                          const std::vector<std::size_t>& indexes) {
     std::vector<ApplicationRecord> records;
+    records.reserve(indexes.size());
     for (const std::size_t index : indexes) records.push_back(*plan.apps[index].item->record);
     return records;
 }

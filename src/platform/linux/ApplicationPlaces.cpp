@@ -37,7 +37,7 @@ void addFolders(std::vector<std::string>& folders, std::string_view list) {
 
 std::string locale() {
     for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const std::string value = variable(name); !value.empty()) return value;
+        if (std::string value = variable(name); !value.empty()) return value;
     return {};
 }
 

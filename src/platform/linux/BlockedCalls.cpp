@@ -119,7 +119,7 @@ std::vector<BlockedCall> blockedCalls() {
         std::string path = pathOf(task, *call);
         // Pipes, sockets and what the kernel makes itself have names without a slash in front.
         if (path.starts_with('/'))
-            blocked.push_back({std::move(path), name + ' ' + line + turnsOf(task)});
+            blocked.push_back({std::move(path), fmt::format("{} {}{}", name, line, turnsOf(task))});
     }
     return blocked;
 }

@@ -38,6 +38,7 @@ std::string wordsOf(const PackageCourse& course) {
 
 std::vector<std::string> sortedIds(const std::vector<ServicePackage>& packages) {
     std::vector<std::string> ids;
+    ids.reserve(packages.size());
     for (const ServicePackage& each : packages) ids.push_back(each.id);
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
@@ -48,6 +49,7 @@ std::vector<std::string> sortedIds(const std::vector<ServicePackage>& packages) 
 tl::expected<std::vector<std::string>, std::string> idsOf(
     const std::vector<ApplicationRecord>& records, std::string_view own, const Waiting& waiting) {
     std::vector<std::string> names;
+    names.reserve(records.size());
     for (const ApplicationRecord& each : records)
         names.push_back(each.package.substr(0, each.package.find(':')));
     const PackageCourse course = PackageService::resolve(names, waiting);
@@ -206,6 +208,7 @@ std::vector<ApplicationRemoval> DebApplications::remove(
     places = stillThere(before, records, out);
     if (places.empty()) return out;
     std::vector<ApplicationRecord> there;
+    there.reserve(places.size());
     for (const std::size_t place : places) there.push_back(records[place]);
     const auto ids = idsOf(there, before.ownArchitecture(), waiting);
     if (!ids) return all(State::Failed, ids.error());

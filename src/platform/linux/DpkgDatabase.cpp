@@ -284,6 +284,7 @@ std::vector<const DpkgPackage*> DpkgDatabase::ownersWithin(
     const std::vector<std::string>& paths) const {
     std::vector<const DpkgPackage*> owners(paths.size(), nullptr);
     std::vector<std::string> others;
+    others.reserve(paths.size());
     for (const std::string& each : paths) others.push_back(otherSpelling(each));
     eachFile([&](const std::string& key, std::string_view line) {
         for (std::size_t i = 0; i < paths.size(); ++i)

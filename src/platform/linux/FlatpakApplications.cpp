@@ -34,7 +34,8 @@ std::string versionIn(const std::string& active, const std::string& id) {
     constexpr std::size_t limit = std::size_t{1} << 20U;
     for (const char* const folder : {"/files/share/metainfo/", "/files/share/appdata/"})
         for (const char* const ending : {".metainfo.xml", ".appdata.xml"}) {
-            const auto text = readRegularFile(active + folder + id + ending, limit);
+            const auto text =
+                readRegularFile(fmt::format("{}{}{}{}", active, folder, id, ending), limit);
             if (!text) continue;
             const std::size_t release = text->find("<release ");
             if (release == std::string::npos) continue;
@@ -67,10 +68,12 @@ std::vector<std::string> branchesOf(const std::string& folder, bool& isUnread) {
     const std::string current = linkAt(joinPath(folder, "current"));
     for (const std::string& arch : namesIn(folder, isUnread)) {
         if (arch == "current") continue;
-        for (const std::string& branch : namesIn(joinPath(folder, arch), isUnread))
-            if (!linkAt(folder + '/' + arch + '/' + branch + "/active").empty())
-                out.push_back(arch + '/' + branch);
+        for (const std::string& name : namesIn(joinPath(folder, arch), isUnread)) {
+            std::string branch = joinPath(arch, name);
+            if (!linkAt(joinPath(folder, branch) + "/active").empty())
+                out.push_back(std::move(branch));
             else isUnread |= errno != ENOENT && errno != EINVAL && errno != ENOTDIR;
+        }
     }
     std::sort(out.begin(), out.end());
     if (const auto at = std::find(out.begin(), out.end(), current); at != out.end())

@@ -14,7 +14,7 @@ public:
     explicit FlatpakApplications(const ApplicationPlaces& places) : m_places(places) {}
 
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Flatpak; }
-    void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
+    void list(std::vector<StartingEntry>& entries, ApplicationInventory& inventory) const override;
     /// Files that the repository shares with something else count nothing; it is "up to", since two
     /// equal files of one application are one there.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;

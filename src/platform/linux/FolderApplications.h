@@ -13,7 +13,7 @@ public:
     explicit FolderApplications(const ApplicationPlaces& places) : m_places(places) {}
 
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Folder; }
-    void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
+    void list(std::vector<StartingEntry>& entries, ApplicationInventory& inventory) const override;
     /// The size is for the caller to measure.
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
     /// To the trash, with the entries that start it. What lies in it besides is named, or refuses.

@@ -111,9 +111,11 @@ std::vector<BackgroundService> backgroundServices(const FolderVariables& variabl
             });
         });
     std::vector<BackgroundService> services;
-    for (auto& [name, service] : found) {
-        const bool isOff = std::ranges::any_of(
-            folders, [&](const std::string& each) { return isMasked(joinPath(each, name)); });
+    for (auto& each : found) {
+        BackgroundService& service = each.second;
+        const bool isOff = std::ranges::any_of(folders, [&](const std::string& folder) {
+            return isMasked(joinPath(folder, service.name));
+        });
         if (isOff) continue;
         service.description = valueIn(textOf(service.file, largestUnit), "Description");
         services.push_back(std::move(service));

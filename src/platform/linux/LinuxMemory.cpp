@@ -62,7 +62,7 @@ private:
     void add(std::string_view line) {
         const std::size_t nameEnd = line.find_first_of(": ");
         const std::size_t number = line.find_first_of("0123456789", std::min(nameEnd, line.size()));
-        if (number == line.npos) return;
+        if (number == std::string_view::npos) return;
         std::uint64_t value = 0;
         const auto read = std::from_chars(line.data() + number, line.data() + line.size(), value);
         if (read.ec == std::errc{}) m_values.emplace(line.substr(0, nameEnd), value);

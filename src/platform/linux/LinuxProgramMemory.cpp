@@ -92,9 +92,10 @@ void addProcess(std::map<std::string, Sum>& programs, const std::string& process
 std::vector<ProgramMemory> largestPrograms(std::size_t most, const std::string& procFolder) {
     std::map<std::string, Sum> programs;
     for (const std::string& name : systemNamesIn(procFolder))
-        if (isNumber(name)) addProcess(programs, procFolder + '/' + name);
+        if (isNumber(name)) addProcess(programs, joinPath(procFolder, name));
     const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
     std::vector<ProgramMemory> all;
+    all.reserve(programs.size());
     for (const auto& [key, each] : programs)
         all.push_back({each.name, each.pages() * page, each.isUpTo, each.processes});
     std::ranges::stable_sort(all, std::ranges::greater(), &ProgramMemory::bytes);

@@ -75,8 +75,9 @@ bool hasWord(std::string_view list, std::string_view word) {
 
 std::optional<Membership> membershipOf(std::string_view line) {
     const std::size_t first = line.find(':');
-    const std::size_t second = first == line.npos ? line.npos : line.find(':', first + 1);
-    if (second == line.npos) return std::nullopt;
+    constexpr std::size_t none = std::string_view::npos;
+    const std::size_t second = first == none ? none : line.find(':', first + 1);
+    if (second == none) return std::nullopt;
     const std::string_view controllers = line.substr(first + 1, second - first - 1);
     const std::string_view path = line.substr(second + 1);
     if (controllers.empty()) return Membership{true, path};

@@ -14,7 +14,7 @@ public:
         : m_places(places), m_service(places.snapSocket) {}
 
     [[nodiscard]] ApplicationType type() const override { return ApplicationType::Snap; }
-    void list(std::vector<StartingEntry>& entries, ApplicationInventory& out) const override;
+    void list(std::vector<StartingEntry>& entries, ApplicationInventory& inventory) const override;
     [[nodiscard]] ApplicationDetails details(const ApplicationRecord& record) const override;
     [[nodiscard]] ApplicationDetails detailsOfNext(
         const ApplicationRecord& record, std::shared_ptr<const void>& reading) const override;

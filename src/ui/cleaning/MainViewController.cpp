@@ -128,23 +128,25 @@ void MainViewController::connectControls() {
     for (std::size_t i = 0; i < m_models.size(); ++i) connectList(i);
 }
 
-void MainViewController::connectList(std::size_t i) {
-    V3MainListView* const row = m_views->allNewViewArr.at(i);
-    connect(row, &V3MainListView::boxClicked, this, [this, i] { checkBoxAction(i); });
-    connect(row, &V3MainListView::chosen, this, [this, i] { shouldSelectRow(int(i) + 1); });
-    ScanListView* const list = m_views->lists.at(i);
+void MainViewController::connectList(std::size_t category) {
+    V3MainListView* const row = m_views->allNewViewArr.at(category);
+    connect(row, &V3MainListView::boxClicked, this, [this, category] { checkBoxAction(category); });
+    connect(row, &V3MainListView::chosen, this,
+            [this, category] { shouldSelectRow(int(category) + 1); });
+    ScanListView* const list = m_views->lists.at(category);
     connect(list->headerBox(), &QAbstractButton::clicked, this,
-            [this, i] { listHeaderClicked(i); });
-    connect(list, &ScanListView::orderWanted, this, [this, i](int key, bool isDescending) {
-        m_models.at(i)->setOrder(static_cast<CleanOrder>(key), isDescending);
+            [this, category] { listHeaderClicked(category); });
+    connect(list, &ScanListView::orderWanted, this, [this, category](int key, bool isDescending) {
+        m_models.at(category)->setOrder(static_cast<CleanOrder>(key), isDescending);
     });
-    connect(list, &ScanListView::buttonClicked, this, [this, i](const QModelIndex& index) {
-        if (const ScanListRow* pressed = m_models.at(i)->row(index)) reveal(pressed->info->path);
+    connect(list, &ScanListView::buttonClicked, this, [this, category](const QModelIndex& index) {
+        if (const ScanListRow* pressed = m_models.at(category)->row(index))
+            reveal(pressed->info->path);
     });
     connect(list, &TickOutline::menuWanted, this,
-            [this, i](const QModelIndex& index, QPoint position) {
-                if (const ScanListRow* asked = m_models.at(i)->row(index))
-                    showPlace(position, asked->info->path, i);
+            [this, category](const QModelIndex& index, QPoint position) {
+                if (const ScanListRow* asked = m_models.at(category)->row(index))
+                    showPlace(position, asked->info->path, category);
             });
 }
 

@@ -14,6 +14,7 @@ namespace orrinvale {
 
 std::vector<std::string> MainViewController::getDefaultsValue() const {
     std::vector<std::string> values;
+    values.reserve(std::size(cleanCategories));
     for (const CleanCategoryNames& each : cleanCategories)
         values.push_back(
             std::to_string(UserDefaults::standardUserDefaults().integerForKey(each.settingKey)));

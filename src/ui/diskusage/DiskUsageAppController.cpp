@@ -110,7 +110,7 @@ void DiskUsageAppController::connectControls() {
 }
 
 void DiskUsageAppController::connectKeys() {
-    const auto addKey = [this](QKeySequence keys, auto action) {
+    const auto addKey = [this](const QKeySequence& keys, auto action) {
         connect(
             new QShortcut(keys, m_views->page, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
             &QShortcut::activated, this, action);

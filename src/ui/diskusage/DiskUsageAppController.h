@@ -197,15 +197,15 @@ private:
 
     // Removal.
     void countTickedNow();
-    void countingEnded(const std::shared_ptr<TickedCount>& counted,
+    void countingEnded(const std::shared_ptr<TickedCount>& ended,
                        const std::weak_ptr<ShownScan>& of);
-    void askToRemove(std::shared_ptr<TickedCount> counted);
-    void firstAlertEnded(int code, const std::shared_ptr<TickedCount>& counted);
+    void askToRemove(std::shared_ptr<TickedCount> ended);
+    void firstAlertEnded(int code, const std::shared_ptr<TickedCount>& ended);
     void removalNews();
     void removalEnded(const RemovalOutcome& outcome);
     void showRemoved();
     void delayTimer(const RemovalOutcome& outcome);
-    void tellNothingGoes(const TickedCount& counted);
+    void tellNothingGoes(const TickedCount& ended);
     void forgetSkipped(const std::vector<FSNode*>& gone);
     void showSkipped();
     void showFailures();

@@ -65,7 +65,7 @@ QString sizeWords(const FSNode& node, bool isRunning) {
         return columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "could not be read"));
     if (node.has(FSNode::Foreign))
         return columnText(QT_TRANSLATE_NOOP("FSNodeColumn", "on another disk"));
-    const QString size = bytesWords(node.size());
+    QString size = bytesWords(node.size());
     if (node.has(FSNode::Undecided)) {
         if (node.size() == 0)
             return isRunning ? QString(QChar(0x2026))

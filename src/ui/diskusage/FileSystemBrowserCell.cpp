@@ -147,8 +147,8 @@ void FileSystemBrowserCell::drawNote(QPainter& painter, const QStyleOptionViewIt
 
 void FileSystemBrowserCell::drawShare(QPainter& painter, const QStyleOptionViewItem& option,
                                       const QRect& place) const {
-    QRectF bar(place.left(), place.center().y() - cellBarHeight / 2 + 1, place.width(),
-               cellBarHeight);
+    const int top = place.center().y() - cellBarHeight / 2 + 1;
+    QRectF bar(place.left(), top, place.width(), cellBarHeight);
     const auto draw = [&](Theme::Color color) {
         painter.setBrush(Theme::shared().color(color));
         painter.drawRoundedRect(mirrored(option, bar.toRect()), cellBarHeight / 2.0,

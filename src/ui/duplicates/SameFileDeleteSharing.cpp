@@ -42,6 +42,7 @@ std::vector<PlanDesk::Settled> settledBy(const ShareList& list) {
         ++kept.namesMade;
     }
     std::vector<PlanDesk::Settled> settled;
+    settled.reserve(byPath.size());
     for (auto& [path, each] : byPath) settled.push_back(std::move(each));
     return settled;
 }

@@ -134,7 +134,7 @@ QString gainTip(const SharedSums& shared) {
     if (shared.files == 0 || !shared.gained) return {};
     const QString most = sizeOfBytes(shared.promised);
     const QString by = sizeOfBytes(static_cast<std::uint64_t>(std::abs(*shared.gained)));
-    const QString grown =
+    QString grown =
         (*shared.gained < 0 ? ShareWords::tr("Free space shrank by %1, of %2 at the most.")
                             : ShareWords::tr("Free space grew by %1, of %2 at the most."))
             .arg(by, most);

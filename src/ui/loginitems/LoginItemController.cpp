@@ -175,13 +175,13 @@ void LoginItemController::read(int number) {
             if (services) read.services = services();
             return read;
         },
-        [this, number](Read read) {
-            if (number == m_readings) take(std::move(read));
+        [this, number](const Read& read) {
+            if (number == m_readings) take(read);
         });
     if (thread == nullptr) m_isReading = false;
 }
 
-void LoginItemController::take(Read read) {
+void LoginItemController::take(const Read& read) {
     const LoginRow* const before = chosen();
     const std::string wanted = before != nullptr ? before->item.fileName : std::string();
     // The mark of an item whose application is missing.
@@ -206,6 +206,7 @@ void LoginItemController::choose(const std::string& fileName) {
 
 void LoginItemController::showServices(const std::vector<BackgroundService>& services) {
     std::vector<std::pair<QString, QString>> lines;
+    lines.reserve(services.size());
     for (const BackgroundService& each : services)
         lines.emplace_back(QString::fromStdString(each.name),
                            QString::fromStdString(each.description));

@@ -77,7 +77,7 @@ private:
     void connectKeys();
     void watchFolders(const std::vector<std::string>& folders);
     void read(int number);
-    void take(Read read);
+    void take(const Read& read);
     void choose(const std::string& fileName);
     void showServices(const std::vector<BackgroundService>& services);
     void askPackages();

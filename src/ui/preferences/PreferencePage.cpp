@@ -113,6 +113,7 @@ std::vector<const char*> keysOf(Group group) {
         case Group::GroupCount: break;
     }
     std::vector<const char*> keys;
+    keys.reserve(categories.size());
     for (const Category& each : categories) keys.push_back(each.key);
     return keys;
 }

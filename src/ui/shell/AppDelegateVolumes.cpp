@@ -31,7 +31,7 @@ void AppDelegate::ZvVolumeUnmountNotificationCall(const Notification& notificati
 
 std::string AppDelegate::volumeSentence(const Notification& notification, const std::string& word) {
     const std::string name =
-        notice::ZvVolumeMount.read(notification).value_or(ChangedVolume{}).name;
+        Notice<ChangedVolume>::read(notification).value_or(ChangedVolume{}).name;
     const QString shown = name.empty() ? tr("You disk") : QString::fromStdString(name);
     return tr("%1 is %2 successfully!").arg(shown, tr(word.c_str())).toStdString();
 }
@@ -118,7 +118,7 @@ void AppDelegate::refEjectAll() {
 void AppDelegate::openFinderWhenClickItems(const Notification& notification) {
     if (m_tray) m_tray->cancelTracking();
     m_menu->menu()->close();  // which the volumes stand in where no tray shows them
-    const auto path = notice::openFinderWhenClickItems.read(notification);
+    const auto path = Notice<std::string>::read(notification);
     if (!m_voluManager->openVolRootDir(path)) tellThatNothingOpens(path.value_or(std::string()));
 }
 

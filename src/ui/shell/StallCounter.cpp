@@ -5,7 +5,7 @@
 #include "ui/shell/StallCounter.h"
 
 #include <fmt/format.h>
-#include <time.h>
+#include <ctime>
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>

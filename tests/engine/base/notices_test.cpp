@@ -43,7 +43,7 @@ TEST(Notices, GiveTheNoticeAsItCameToWhoAsksForIt) {
     std::string heard;
     const auto opened =
         notice::openFinderWhenClickItems.observe(center, [&](const Notification& notice) {
-            heard += notice::openFinderWhenClickItems.read(notice).value_or("nothing") + ";";
+            heard += Notice<std::string>::read(notice).value_or("nothing") + ";";
         });
     notice::openFinderWhenClickItems.post(center, "/media");
     center.post("openFinderWhenClickItems", 5);

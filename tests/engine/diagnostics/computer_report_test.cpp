@@ -61,8 +61,8 @@ TEST(ComputerReport, HasTheMachineAndItsVolumes) {
                  "host name: annas-desk.example", " ", "volume list",
                  "volname=System,totalSpace:500 GB, freeSpace:250 GB, root=/", "default volume",
                  "vMDeviceID:vda,Attrib:0x0,ExtAttrib:0x0,Server:0x0",
-                 "volname=Annas Fotos,totalSpace:0 GB, freeSpace:0 GB, root=/run/media/anna/Annas "
-                 "Fotos",
+                 ("volname=Annas Fotos,totalSpace:0 GB, freeSpace:0 GB, "
+                  "root=/run/media/anna/Annas Fotos"),
                  "vMDeviceID:vda,Attrib:0x0,ExtAttrib:0x2000001,Server:0x1234abcd",
                  "volname=Kanzlei,totalSpace:4 GB, freeSpace:2 GB, root=/srv/mandanten/Kanzlei",
                  " "}));

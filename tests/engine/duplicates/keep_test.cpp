@@ -160,7 +160,7 @@ TEST(KeepRule, AgreesWithItsSentences) {
                                   std::string(std::size_t(1 + number(2)), char('a' + number(3))), i,
                                   std::string(std::size_t(number(3)), 'n'))};
             copy.modified = number(4) == 0 ? std::nullopt : std::optional<std::int64_t>(number(3));
-            if (number(3) == 0) copy.inode = std::uint64_t(1 + number(2));
+            if (number(3) == 0) copy.inode = 1U + std::uint64_t(number(2));
             copy.isProtected = number(5) == 0;
             if (number(5) == 0)
                 copy.leadsTo =

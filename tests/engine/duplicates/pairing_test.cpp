@@ -229,7 +229,7 @@ TEST(Pairing, aStopDeliversTheGroupsFoundSoFar) {
     for (int i = 0; i < pairs; ++i)
         for (const std::string side : {"a", "b"})
             tree.sparse(side + std::to_string(i / 1000) + "/" + std::to_string(i),
-                        static_cast<std::uint64_t>(1 + i));
+                        1U + static_cast<std::uint64_t>(i));
     testing::WatchedFiles watched;
     duplicateFind find(watched);
     find.setSearchOption(true, true);

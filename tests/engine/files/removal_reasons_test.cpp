@@ -141,9 +141,9 @@ TEST(RemovalReasons, WhatSomebodyElseRemovedIsNoFailureAndNotCountedAsOurs) {
         TestTree tree;
         for (const char* name : {"x", "f/1", "f/2"}) tree.write(name, "x");
         WatchedFiles files;
-        files.beforeRemoval = [&, count = 0](const char* operation) mutable {
-            if (std::strcmp(operation, "removeEntry") == 0 && ++count == atRemoval)
-                ::remove(tree.at(theirs).c_str());
+        files.beforeRemoval = [left = atRemoval,
+                               victim = tree.at(theirs)](const char* operation) mutable {
+            if (std::strcmp(operation, "removeEntry") == 0 && --left == 0) ::remove(victim.c_str());
         };
         const auto result = removeAt(files, tree.at(path));
         EXPECT_EQ(told(result), expected) << path << " at " << atRemoval;

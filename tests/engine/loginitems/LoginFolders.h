@@ -18,7 +18,7 @@ struct LoginFolders {
                              .languages = {"de_AT", "de"},
                              .programs = {tree.at("bin"), "/usr/bin", "/bin"},
                              .ownProgram = tree.at("bin/orrinvale")};
-    const LinuxFileSystem files;
+    const LinuxFileSystem files{};
     // What goes lands in a trash of the test's own.
     const ScopedVariable data{"XDG_DATA_HOME", tree.at("data")};
     const AutostartItems::TakeAway takeAway = [this](const LoginItemRecord& item) {

@@ -91,8 +91,9 @@ TEST(CleanPage, NothingGoesButWhatWasAgreedTo) {
     for (const auto& each : cases) {
         SCOPED_TRACE(each.what);
         CleanDesk desk{{".cache/a", 1'000}, {"Downloads/b", 2'000}};
-        desk.tickOnly(each.withDownloads ? std::initializer_list{UserCaches, UserDownloads}
-                                         : std::initializer_list{UserCaches});
+        desk.tickOnly(each.withDownloads
+                          ? std::initializer_list<CleanCategory>{UserCaches, UserDownloads}
+                          : std::initializer_list<CleanCategory>{UserCaches});
         ASSERT_TRUE(desk.scan());
         desk.page->shouldSelectRow(each.row);
         for (const int answer : each.answers) desk.dialogs.willAnswer(answer);

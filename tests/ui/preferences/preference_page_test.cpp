@@ -236,8 +236,9 @@ TEST_F(Preferences, TheButtonsSayHowMuchIsRememberedAndForgetIt) {
     const std::pair<const char*, std::string> cases[] = {
         {"forgetButton", "com.kelpford.Orrinvale/file-hashes"},
         {"forgetScansButton", "state/scans/0123456789abcdef-1.scan"}};
-    for (const auto& [button, name] : cases) {
-        ASSERT_TRUE(tree.write(name, std::string(2000, 'x')));
+    for (const auto& each : cases) {
+        const char* const button = each.first;
+        ASSERT_TRUE(tree.write(each.second, std::string(2000, 'x')));
         const auto saysSoon = [&](const char* text) {
             return QTest::qWaitFor([&] { return textOf(button) == text; });
         };
@@ -245,7 +246,7 @@ TEST_F(Preferences, TheButtonsSayHowMuchIsRememberedAndForgetIt) {
         EXPECT_TRUE(saysSoon("Forget 2.00 KB")) << textOf(button);
         type(button, {Qt::Key_Space});
         EXPECT_TRUE(saysSoon("Nothing Remembered")) << textOf(button);
-        EXPECT_FALSE(isEnabled(button) || isThere(tree.at(name)));
+        EXPECT_FALSE(isEnabled(button) || isThere(tree.at(each.second)));
     }
 }
 

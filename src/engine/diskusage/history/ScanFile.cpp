@@ -66,8 +66,8 @@ RecordedEntry* sortList(RecordedEntry* first, std::vector<NamedEntry>& room) {
         room.emplace_back(each->name, each);
     if (room.empty()) return nullptr;
     std::ranges::sort(room, {}, &NamedEntry::first);
-    const auto twice = std::ranges::unique(room, {}, &NamedEntry::first);
-    room.erase(twice.begin(), twice.end());
+    const auto isSame = [](const NamedEntry& a, const NamedEntry& b) { return a.first == b.first; };
+    room.erase(std::unique(room.begin(), room.end(), isSame), room.end());
     for (std::size_t i = 0; i + 1 < room.size(); ++i) room[i].second->next = room[i + 1].second;
     room.back().second->next = nullptr;
     return room.front().second;

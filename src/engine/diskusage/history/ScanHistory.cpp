@@ -244,10 +244,10 @@ std::optional<std::int64_t> momentOfWord(std::string_view word, std::int64_t now
 std::string_view wordOfScan(const std::vector<KeptScan>& scans, const KeptScan& scan,
                             std::int64_t now) {
     if (!scans.empty() && scans.back().time == scan.time) return lastScanWord;
-    for (const SinceWord& each : std::views::reverse(sinceWords)) {
-        const auto moment = momentOfWord(each.word, now);
+    for (auto each = std::rbegin(sinceWords); each != std::rend(sinceWords); ++each) {
+        const auto moment = momentOfWord(each->word, now);
         if (moment && scan.time < *moment && scanBefore(scans, *moment)->time == scan.time)
-            return each.word;
+            return each->word;
     }
     return {};
 }

@@ -276,6 +276,7 @@ bool FolderFindings::cover(const std::vector<const fileAttrbItem*>& copies) cons
         first = found->second;
     }
     std::vector<const FolderNode*> folders;
+    folders.reserve(copies.size());
     for (const fileAttrbItem* file : copies) folders.push_back(file->folder);
     std::ranges::sort(folders);
     return !copies.empty() && std::ranges::adjacent_find(folders) == folders.end();

@@ -326,6 +326,7 @@ std::vector<UndoFolder> foldersOf(const FileSystem& files, const DuplicatePlan& 
             place->second.inode = seen->inode;
         }
     std::vector<UndoFolder> list;
+    list.reserve(folders.size());
     for (auto& each : folders) list.push_back(std::move(each.second));
     return list;
 }

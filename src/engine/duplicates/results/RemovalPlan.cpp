@@ -223,9 +223,10 @@ void RemovalPlan::excuse(std::span<const Excuse> excuses) {
 
 // All names of a file have its new time of change.
 void RemovalPlan::learnChanged(Group& group, const FileKey& file, std::int64_t changed) {
-    const auto names = std::ranges::equal_range(
-        group.byFile, file, {}, [&](std::size_t i) { return fileOf(group.members[i].identity); });
-    for (const std::size_t each : names) group.members[each].identity->changed = changed;
+    const auto key = [&](std::size_t i) { return fileOf(group.members[i].identity); };
+    for (auto name = std::ranges::lower_bound(group.byFile, file, {}, key);
+         name != group.byFile.end() && key(*name) == file; ++name)
+        group.members[*name].identity->changed = changed;
 }
 
 void RemovalPlan::settled(std::size_t index, const RemovalResult& result) {

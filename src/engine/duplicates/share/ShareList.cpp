@@ -38,11 +38,13 @@ DuplicatePlan nearestLast(const DuplicatePlan& plan) {
         for (const PlanMember& member : group.members)
             (member.goes ? going[member.identity.device] : staying).push_back(member);
         for (const bool isNear : {false, true})
-            for (const auto& [device, members] : going)
+            for (const auto& onDevice : going) {
+                const std::uint64_t device = onDevice.first;
                 if (isNear == std::ranges::any_of(staying, [&](const PlanMember& each) {
                         return isOnDevice(each, device);
                     }))
-                    arranged.groups.push_back(groupOf(staying, members, device));
+                    arranged.groups.push_back(groupOf(staying, onDevice.second, device));
+            }
         if (going.empty()) arranged.groups.push_back(group);
     }
     return arranged;

@@ -99,12 +99,12 @@ private:
     void setCurrent(int column, const QModelIndex& row);
     void goTo(int column, int step);
     void select(int column);
-    void makeView(int column);
+    void makeView(int number);
     void putAway(Column& column);
-    void connectView(ColumnView& view);
+    void connectView(ColumnView& made);
     [[nodiscard]] int columnOf(const ColumnView* view) const;
     void place();
-    void placeColumn(int column, int start);
+    void placeColumn(int number, int start);
     void showEnd();
     void showColumn(int column);
     [[nodiscard]] int startOf(int column) const;

@@ -85,7 +85,8 @@ void drawSlider(QPainter& painter, const QStyleOptionSlider& slider, const QStyl
         const int across =
             QStyle::sliderPositionFromValue(slider.minimum, slider.maximum, mark,
                                             int(groove.width()) - knob.width(), slider.upsideDown);
-        painter.drawRect(QRectF(groove.x() + across + knob.width() / 2, marksTop, 1, markHeight));
+        const int middle = across + knob.width() / 2;
+        painter.drawRect(QRectF(groove.x() + middle, marksTop, 1, markHeight));
         mark = (mark / slider.tickInterval + 1) * slider.tickInterval;
     }
     painter.setBrush(theme.color(Theme::Color::Line));
