@@ -15,10 +15,6 @@
         <translation>%1, jetzt %2</translation>
     </message>
     <message>
-        <source>Not all of it could be read each time</source>
-        <translation>Nicht alles davon konnte jedes Mal gelesen werden</translation>
-    </message>
-    <message>
         <source>new</source>
         <translation>neu</translation>
     </message>
@@ -49,6 +45,50 @@
     <message>
         <source>%1 on disk</source>
         <translation>%1 auf dem Datenträger</translation>
+    </message>
+    <message>
+        <source>new, or under %1 before</source>
+        <translation>neu oder vorher unter %1</translation>
+    </message>
+    <message>
+        <source>new, in the place of a file</source>
+        <translation>neu, anstelle einer Datei</translation>
+    </message>
+    <message>
+        <source>new, in the place of a folder</source>
+        <translation>neu, anstelle eines Ordners</translation>
+    </message>
+    <message>
+        <source>gone, or under %1 now</source>
+        <translation>weg oder jetzt unter %1</translation>
+    </message>
+    <message>
+        <source>gone, a file is in its place</source>
+        <translation>weg, dort ist jetzt eine Datei</translation>
+    </message>
+    <message>
+        <source>gone, a folder is in its place</source>
+        <translation>weg, dort ist jetzt ein Ordner</translation>
+    </message>
+    <message>
+        <source>another file system there</source>
+        <translation>dort ein anderes Dateisystem</translation>
+    </message>
+    <message>
+        <source>another file system in it</source>
+        <translation>darin ein anderes Dateisystem</translation>
+    </message>
+    <message>
+        <source>could not be read each time</source>
+        <translation>nicht jedes Mal lesbar</translation>
+    </message>
+    <message>
+        <source>not all of it could be read</source>
+        <translation>nicht alles davon war lesbar</translation>
+    </message>
+    <message>
+        <source>Files under %1, folders under %2</source>
+        <translation>Dateien unter %1, Ordner unter %2</translation>
     </message>
 </context>
 <context>

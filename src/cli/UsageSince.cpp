@@ -10,6 +10,7 @@
 
 #include "engine/base/Date.h"
 #include "engine/diskusage/history/ScanHistory.h"
+#include "engine/diskusage/history/changeWords.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {
@@ -102,6 +103,7 @@ void appendSizes(std::string& text, const ScanChange& change) {
                    change.onDiskAfter, change.onDiskChange());
     if (change.weight != withoutSign(change.change()))
         fmt::format_to(std::back_inserter(text), ", \"largestWithin\": {}", change.weight);
+    if (change.isReplaced) text += ", \"replaced\": true";
     if (change.isCovered) text += ", \"otherFileSystem\": true";
     if (change.isPartial || change.isCovered) text += ", \"partial\": true";
 }
@@ -138,15 +140,13 @@ std::string signedWords(std::int64_t change) {
     return (change > 0 ? "+" : "-") + size;
 }
 
+std::string inBrackets(const std::optional<ChangeWord>& word) {
+    return word ? "  (" + inEnglish(*word) + ")" : "";
+}
+
 std::string nameWords(const ScanDifference& difference, const ScanChange& change) {
-    std::string words = printable(difference.name(change)) + (change.isFolder ? "/" : "");
-    if (change.kind == ScanChange::Kind::Changed) return words + doubtWords(change);
-    const bool isNew = change.kind == ScanChange::Kind::Came;
-    words += isNew ? "  (new" : "  (gone";
-    if (const std::uint64_t under = difference.hiddenUnder(change); under != 0)
-        words += fmt::format(", or under {} {}", UtilityFunction::convertVolSpace(under),
-                             isNew ? "before" : "now");
-    return words + ")" + doubtWords(change);
+    return printable(difference.name(change)) + (change.isFolder ? "/" : "") +
+           inBrackets(comingWord(difference, change)) + doubtWords(change);
 }
 
 // With the entry far below that is the reason of it.
@@ -196,12 +196,7 @@ bool takePart(std::string_view& text, std::size_t digits, char behind, int& numb
 
 }  // namespace
 
-std::string doubtWords(const ScanChange& change) {
-    if (change.isCovered)
-        return change.isUnseen ? "  (another file system there)" : "  (another file system in it)";
-    if (change.isUnseen) return "  (could not be read each time)";
-    return change.isPartial ? "  (not all of it could be read)" : "";
-}
+std::string doubtWords(const ScanChange& change) { return inBrackets(doubtWord(change)); }
 
 std::optional<std::int64_t> momentSince(std::string_view text) {
     if (const auto moment = momentOfWord(text, std::time(nullptr))) return moment;

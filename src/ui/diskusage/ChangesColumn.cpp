@@ -5,12 +5,14 @@
 #include <QCoreApplication>
 #include <QLocale>
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
 #include "engine/diskusage/FSNode.h"
+#include "engine/diskusage/history/changeWords.h"
 #include "ui/diskusage/FSNodeColumn.h"
 #include "ui/kit/controls/pathText.h"
 
@@ -29,16 +31,48 @@ QString changedName(const ScanDifference& difference, const ScanChange& change) 
     return onOneLine(QString::fromStdString(std::string(difference.name(change))));
 }
 
+// What the engine says of changes, for the translators.
+[[maybe_unused]] constexpr std::array translatedChanges{
+    QT_TRANSLATE_NOOP("ChangesColumn", "new"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "new, or under %1 before"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "new, in the place of a file"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "new, in the place of a folder"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "gone"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "gone, or under %1 now"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "gone, a file is in its place"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "gone, a folder is in its place"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "another file system there"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "another file system in it"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "could not be read each time"),
+    QT_TRANSLATE_NOOP("ChangesColumn", "not all of it could be read")};
+
+QString shownWord(const std::optional<ChangeWord>& word) {
+    if (!word) return {};
+    const QString text = changesText(word->text);
+    return word->bytes != 0 ? text.arg(bytesWords(word->bytes)) : text;
+}
+
+// The entry below that is the reason of most of it; empty where there is none.
+QString mostlyText(const ScanDifference& difference, std::uint32_t number, bool isWithPath) {
+    const std::uint32_t most = difference.mostly(number);
+    if (most == number) return {};
+    return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "mostly %1"))
+        .arg(isWithPath ? onOneLine(QString::fromStdString(difference.path(most)))
+                        : changedName(difference, difference.all()[most]));
+}
+
+// In a row there is room for a word. What is not known of nearly every new file the row leaves to
+// its tip, what is rare it says itself.
 QString noteOfChange(const ScanDifference& difference, std::uint32_t number) {
     const ScanChange& change = difference.all()[number];
+    const std::optional<ChangeWord> doubt = doubtWord(change);
+    if (change.isReplaced) return shownWord(comingWord(difference, change));
+    if (doubt && (change.isUnseen || change.isCovered)) return shownWord(doubt);
     if (change.kind == ScanChange::Kind::Came)
         return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "new"));
     if (change.kind == ScanChange::Kind::Went)
         return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "gone"));
-    const std::uint32_t most = difference.mostly(number);
-    if (most == number) return {};
-    return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "mostly %1"))
-        .arg(changedName(difference, difference.all()[most]));
+    return mostlyText(difference, number, false);
 }
 
 // From the root on.
@@ -58,8 +92,8 @@ QString changeText(std::int64_t change) {
     return QLatin1Char(change > 0 ? '+' : '-') + size;
 }
 
-QString aboutText(const QString& size, bool isPartial) {
-    return isPartial ? QStringLiteral("\u2248 ") + size : size;
+QString aboutText(const QString& size, bool isDoubtful) {
+    return isDoubtful ? QStringLiteral("\u2248 ") + size : size;
 }
 
 // From the root on; of what is in a new folder the folder tells.
@@ -168,7 +202,7 @@ std::int64_t ChangesColumn::change(int row) const {
 }
 
 QString ChangesColumn::sizeText(int row) const {
-    return aboutText(changeText(change(row)), number(row) && changeAt(row).isPartial);
+    return aboutText(changeText(change(row)), number(row) && doubtWord(changeAt(row)));
 }
 
 // What a folder grew by mostly may have been removed meanwhile.
@@ -190,12 +224,26 @@ double ChangesColumn::share(int row) const {
     return double(sizeOfChange(change(row))) / double(changeAt(0).weight);
 }
 
+// All that there is to say, where the row has room for a word.
+QStringList ChangesColumn::wholeNote(int row, bool isWithPath) const {
+    if (!number(row)) return {};
+    const Row& shown = m_rows[std::size_t(row)];
+    const ScanChange& change = changeAt(row);
+    QStringList words;
+    if (shown.isRemoved) words << note(row);
+    else if (change.kind != ScanChange::Kind::Changed)
+        words << shownWord(comingWord(*m_difference, change));
+    else if (!m_scan->hasChanged) words << mostlyText(*m_difference, shown.number, isWithPath);
+    words << shownWord(doubtWord(change));
+    words.removeAll(QString());
+    return words;
+}
+
 QString ChangesColumn::tip(int row) const {
     if (!number(row)) return restText() + QStringLiteral(": ") + sizeText(row);
-    const std::uint32_t number = m_rows[std::size_t(row)].number;
     const ScanChange& change = changeAt(row);
     QStringList lines{
-        onOneLine(QString::fromStdString(m_difference->path(number))),
+        onOneLine(QString::fromStdString(m_difference->path(m_rows[std::size_t(row)].number))),
         changesText(QT_TRANSLATE_NOOP("ChangesColumn", "%1, now %2"))
             .arg(bytesWords(change.sizeBefore), bytesWords(m_rows[std::size_t(row)].now))};
     // Another name of a file that was there before takes no room.
@@ -203,22 +251,17 @@ QString ChangesColumn::tip(int row) const {
                                    bytesWords(sizeOfChange(change.change())))
         lines.push_back(changesText(QT_TRANSLATE_NOOP("ChangesColumn", "%1 on disk"))
                             .arg(changeText(change.onDiskChange())));
-    QString note = this->note(row);
-    const std::uint32_t most = m_difference->mostly(number);
-    if (most != number && !note.isEmpty() && !isGone(row))
-        note = changesText(QT_TRANSLATE_NOOP("ChangesColumn", "mostly %1"))
-                   .arg(onOneLine(QString::fromStdString(m_difference->path(most))));
-    if (!note.isEmpty()) lines.push_back(note);
-    if (change.isPartial)
-        lines.push_back(changesText(
-            QT_TRANSLATE_NOOP("ChangesColumn", "Not all of it could be read each time")));
-    return lines.join(QLatin1Char('\n'));
+    return (lines + wholeNote(row, true)).join(QLatin1Char('\n'));
 }
 
 QString ChangesColumn::restText() const {
-    if (m_restCount == 0)
-        return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "Files under %1"))
-            .arg(bytesWords(m_difference->filesFrom()));
+    if (m_restCount == 0) {
+        const QString files = bytesWords(m_difference->filesFrom());
+        if (m_difference->foldersFrom() == 0)
+            return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "Files under %1")).arg(files);
+        return changesText(QT_TRANSLATE_NOOP("ChangesColumn", "Files under %1, folders under %2"))
+            .arg(files, bytesWords(m_difference->foldersFrom()));
+    }
     return m_restCount == 1 ? changesText(QT_TRANSLATE_NOOP("ChangesColumn", "1 smaller change"))
                             : changesText(QT_TRANSLATE_NOOP("ChangesColumn", "%Ln smaller changes"),
                                           int(m_restCount));
@@ -242,10 +285,8 @@ QVariant ChangesColumn::data(const QModelIndex& index, int role) const {
             return shown ? changedName(*m_difference, changeAt(index.row())) : restText();
         case Qt::ToolTipRole: return asToolTip(tip(index.row()));
         case Qt::AccessibleTextRole: {
-            QStringList said{data(index, Qt::DisplayRole).toString(), sizeText(index.row()),
-                             note(index.row())};
-            said.removeAll(QString());
-            return said.join(QStringLiteral(", "));
+            const QStringList said{data(index, Qt::DisplayRole).toString(), sizeText(index.row())};
+            return (said + wholeNote(index.row(), false)).join(QStringLiteral(", "));
         }
         default: return {};
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -31,7 +32,8 @@ public:
     [[nodiscard]] std::int64_t change(int row) const;
     /// What the row says at its end: "+1.20 GB".
     [[nodiscard]] QString sizeText(int row) const;
-    /// "new", "gone", "removed", "mostly film.mkv"; empty where there is nothing to add.
+    /// "new", "gone", "removed", "mostly film.mkv", "another file system there"; empty where there
+    /// is nothing to add. Tip and accessible text say more where there is more.
     [[nodiscard]] QString note(int row) const;
     /// It is not there any more.
     [[nodiscard]] bool isGone(int row) const;
@@ -55,6 +57,7 @@ private:
     void takePresentSizes();
     [[nodiscard]] QString restText() const;
     [[nodiscard]] QString tip(int row) const;
+    [[nodiscard]] QStringList wholeNote(int row, bool isWithPath) const;
     [[nodiscard]] const ScanChange& changeAt(int row) const;
     [[nodiscard]] bool hadNode(const ScanChange& change) const;
 
@@ -70,7 +73,7 @@ private:
 /// "+1.20 GB", "-5.00 MB", "0.00 KB".
 [[nodiscard]] QString changeText(std::int64_t change);
 /// With a sign before it where something could not be counted in one of the scans.
-[[nodiscard]] QString aboutText(const QString& size, bool isPartial);
+[[nodiscard]] QString aboutText(const QString& size, bool isDoubtful);
 
 /// What became of an entry of the tree since the earlier scan.
 struct NodeChange {

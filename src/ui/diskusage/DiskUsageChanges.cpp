@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "engine/diskusage/history/ScanDifference.h"
+#include "engine/diskusage/history/changeWords.h"
 #include "ui/diskusage/ChangesColumn.h"
 #include "ui/diskusage/DiskUsageAppController.h"
 #include "ui/diskusage/DiskUsageViews.h"
@@ -71,7 +72,7 @@ QString DiskUsageAppController::changesTitle() const {
     if (now == before) return tr("As much as then");
     return (now > before ? tr("%1 more") : tr("%1 less"))
         .arg(aboutText(bytesWords(now > before ? now - before : before - now),
-                       shown.compared->root().isPartial));
+                       doubtWord(shown.compared->root()).has_value()));
 }
 
 void DiskUsageAppController::willDisplayChange(FileSystemBrowserCell& cell,

@@ -86,7 +86,7 @@ TEST(DiskUsagePage, TellsWhatChangedSinceAKeptScan) {
     on.control<ColumnBrowser>("changes").setFocus();
     for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Right})
         QTest::keyClick(QApplication::focusWidget(), key);
-    EXPECT_EQ(on.changes(1), "new, +9.00 MB, new; two.mkv, -2.00 MB, gone");
+    EXPECT_EQ(on.changes(1), "new, +9.00 MB, new; two.mkv, -2.00 MB, gone, or under 1.00 MB now");
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_TRUE(on.isShown("browser"));
     EXPECT_EQ(on.page->itemPath(), on.tree.at("data/films/new"));
@@ -170,7 +170,8 @@ TEST(DiskUsagePage, ARemovalIsGoneFromTheComparisonToo) {
     EXPECT_EQ(on.textOf("titleLabel"), "995.00 KB less");
     EXPECT_EQ(on.changes(0), "films, -2.00 MB; big.iso, +1.00 MB; Files under 1.00 MB, +5.00 KB");
     on.control<ColumnBrowser>("changes").choose(0, 0);
-    EXPECT_EQ(on.changes(1), "new, 0.00 KB, removed; two.mkv, -2.00 MB, gone");
+    EXPECT_EQ(on.changes(1),
+              "new, 0.00 KB, removed; two.mkv, -2.00 MB, gone, or under 1.00 MB now");
     const std::string marks = on.said(0, 0) + "; " + on.said(0, 1);
     EXPECT_TRUE(marks.find("big.iso, 5.00 MB, +1.00 MB") != std::string::npos &&
                 marks.find("films, 3.00 MB, -2.00 MB") != std::string::npos)
@@ -201,6 +202,61 @@ TEST(DiskUsagePage, KeepsNothingOfAScanThatWasStopped) {
     EXPECT_EQ(on.keptFiles().size(), 1);
     EXPECT_EQ(on.control("compareBtn").toolTip(),
               QStringLiteral("Only a scan that came to its end can be compared"));
+}
+
+// The words are those of the terminal.
+TEST(ChangesColumn, SaysWhatIsNotKnownOfAChange) {
+    TestTree tree;
+    const LinuxFileSystem files;
+    const auto scan = [&](const std::shared_ptr<FSNodeTree>& into, bool isLater) {
+        DiskUsageScan run({.files = &files, .mainQueue = nullptr, .news = {}});
+        run.start(into, {.records = true});
+        run.waitForEnd();
+        const auto record = run.record();
+        for (RecordedEntry* each = record->first; isLater && each != nullptr; each = each->next) {
+            const bool isOver = each->name == std::string_view("over");
+            if (!isOver && each->name != std::string_view("lost")) continue;
+            record->facts.size -= each->size;
+            each->size = each->onDisk = 0;
+            each->first = nullptr;
+            constexpr std::uint8_t unread = FSNode::Unread | FSNode::UnreadWithin;
+            constexpr std::uint8_t foreign = FSNode::Foreign | FSNode::ForeignWithin;
+            each->marks = isOver ? foreign : unread;
+        }
+        return parseScan(encodeScan(*record));
+    };
+    ASSERT_TRUE(tree.sparse("f/over/film", 4 * mega) && tree.sparse("f/lost/film", 5 * mega) &&
+                tree.sparse("f/gone.iso", 2 * mega) && tree.sparse("f/file", 3 * mega) &&
+                tree.sparse("f/folder/film", 3 * mega / 2));
+    const auto before = scan(std::make_shared<FSNodeTree>(tree.at("f")), false);
+    for (const char* const name : {"gone.iso", "file", "folder"})
+        std::filesystem::remove_all(tree.at(std::string("f/") + name));
+    ASSERT_TRUE(tree.sparse("f/file/film", 6 * mega) && tree.sparse("f/folder", 7 * mega) &&
+                tree.sparse("f/new.iso", 8 * mega));
+    const auto shown = std::make_shared<ShownScan>();
+    shown->tree = std::make_shared<FSNodeTree>(tree.at("f"));
+    const auto after = scan(shown->tree, true);
+    shown->compared = std::make_shared<const ScanDifference>(*ScanDifference::of(*before, *after));
+    const ChangesColumn column(shown, 0);
+    std::string told;
+    for (int row = 0; row < column.rowCount(); ++row) {
+        const QModelIndex index = column.index(row);
+        const QString said = index.data(Qt::AccessibleTextRole).toString();
+        told += said.toStdString() + '\n';
+        const QString last = said.section(QStringLiteral(" MB, "), 1);
+        EXPECT_TRUE(index.data(Qt::ToolTipRole).toString().contains(last)) << said.toStdString();
+    }
+    EXPECT_EQ(told,
+              "new.iso, +8.00 MB, new, or under 1.00 MB before\n"
+              "folder, +7.00 MB, new, in the place of a folder\n"
+              "file, +6.00 MB, new, in the place of a file\n"
+              "lost, \u2248 -5.00 MB, could not be read each time\n"
+              "over, \u2248 -4.00 MB, another file system there\n"
+              "file, -3.00 MB, gone, a folder is in its place\n"
+              "gone.iso, -2.00 MB, gone, or under 1.00 MB now\n"
+              "folder, -1.50 MB, gone, a file is in its place\n");
+    EXPECT_EQ(column.note(0), QStringLiteral("new")) << "nearly every new file is such a one";
+    EXPECT_EQ(column.note(4), QStringLiteral("another file system there"));
 }
 
 // By shape and lightness, in both palettes.

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QProcess>
 
+#include "engine/diskusage/history/changeWords.h"
 #include "engine/text/Localized.h"
 #include "engine/volumes/VolumesManager.h"
 #include "support/test.h"
@@ -79,6 +80,8 @@ TEST(Translations, FailuresAndNumbersReadAsTheLanguageWritesThem) {
     const Translations translations(german);
     if (translations.language().isEmpty()) GTEST_SKIP() << "no lrelease here";
     for (const auto& each : reasons) EXPECT_EQ(inWords(each.english).toStdString(), each.german);
+    for (const char* const text : changeTexts)
+        EXPECT_NE(QCoreApplication::translate("ChangesColumn", text).toStdString(), text);
     EXPECT_EQ(shownSize("1.25 MB").toStdString(), "1,25 MB");
     EXPECT_EQ(shownSize("7 byte").toStdString(), "7 Byte");
     EXPECT_EQ(shownPercent(QStringLiteral("88.9")).toStdString(), "88,9\u00a0%");
