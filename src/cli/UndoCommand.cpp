@@ -37,7 +37,8 @@ Status listRemovals(const PlanHistory& history, const Arguments& arguments) {
     json += "],\n  \"skipped\": [";
     appendJsonSkipped(json, skipped);
     json += "],\n  \"stopped\": false\n}\n";
-    if (listing.empty()) listing = "Nothing was moved to the trash in the last 30 days.\n";
+    if (listing.empty() && skipped.empty())
+        listing = "Nothing was moved to the trash in the last 30 days.\n";
     Output out(STDOUT_FILENO);
     out.write(arguments.has("json") ? json : listing);
     return finish(out, skipped, Ending::Whole);

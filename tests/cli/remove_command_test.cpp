@@ -70,6 +70,21 @@ TEST(RemoveCommand, MovesToTheTrashWhereItIsTold) {
     const Json removals = Json::parse(listed.output)["removals"];
     ASSERT_EQ(removals.size(), 1U) << listed.output;
     EXPECT_EQ(removals[0]["entries"], 4);
+    // One whose record is damaged is named, and is not nothing.
+    const std::string id = removals[0]["id"];
+    bool isFound = false;
+    for (const auto& each : std::filesystem::recursive_directory_iterator(tree.path())) {
+        if (each.path().filename() != id + ".json") continue;
+        isFound = true;
+        const std::string sound = contentOf(each.path());
+        std::ofstream(each.path()) << sound.substr(0, sound.size() - 3);
+        const auto damaged = planRun(tree, "undo", {"--list"}).run();
+        EXPECT_EQ(damaged.status, 1);
+        EXPECT_EQ(damaged.output, "");
+        EXPECT_THAT(damaged.error, HasSubstr(id + ": its record is damaged"));
+        std::ofstream(each.path()) << sound;
+    }
+    EXPECT_TRUE(isFound);
     const auto taken = tree.write("data/y", "came since");
     ASSERT_TRUE(taken);
     const auto undo = planRun(tree, "undo", {"--json"}).run();

@@ -474,18 +474,29 @@ TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
     EXPECT_EQ(seenAt(path).mode & 07777U, 0600U);
     std::ofstream(path, std::ios::app) << "garbage";
     EXPECT_FALSE(history.load(*first));
-    // A list is told from the first line alone: of a note from before it had sums from its plan.
-    const auto summary = history.summaryOf(*first);
+    EXPECT_FALSE(history.summaryOf(*first));
+    const auto summary = history.summaryOf(*second);
     ASSERT_TRUE(summary) << summary.error();
     EXPECT_EQ(summary->entries, sumsOf(trashed.plan).entries());
     EXPECT_EQ(summary->bytes, sumsOf(trashed.plan).bytes);
     EXPECT_NE(summary->bytes, 0U);
+    // In whichever byte, and cut after it.
     const std::string sound = contentOf(trashed.tree.at("state/removed/" + *second + ".json"));
-    const std::size_t sums = sound.find(" \"entries\"");
-    std::ofstream(path) << sound.substr(0, sums) + sound.substr(sound.find(" \"folders\"", sums));
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        std::string damaged = sound;
+        damaged[i] = static_cast<char>(damaged[i] ^ 1);
+        for (const std::string& each : {damaged, sound.substr(0, i)}) {
+            std::ofstream(path) << each;
+            ASSERT_FALSE(history.summaryOf(*first) || history.load(*first)) << i << ": " << each;
+        }
+    }
+    // Notes of before had no seal, and have their sums from their plan.
+    const std::string older = sound.substr(sound.find('\n') + 1);
+    std::ofstream(path) << older;
     EXPECT_TRUE(history.summaryOf(*first) && history.summaryOf(*first)->bytes == summary->bytes);
+    EXPECT_TRUE(history.load(*first));
     std::ofstream(path, std::ios::app) << "garbage";
-    EXPECT_FALSE(history.summaryOf(*first));
+    EXPECT_FALSE(history.summaryOf(*first) || history.load(*first));
     const auto loaded = history.load(*second);
     ASSERT_TRUE(loaded) << loaded.error();
     ASSERT_EQ(loaded->folders.size(), 1U);
@@ -515,6 +526,33 @@ TEST(PlanHistory, GarbageCostsOneRemovalAlone) {
     held.reset();
     EXPECT_TRUE(history.clear());
     EXPECT_TRUE(history.ids().empty());
+}
+
+// As large as no test would write one, so that it could not be read in that time.
+TEST(PlanHistory, OfALargeNoteOnlyWhatItsSealIsOfIsRead) {
+    TestTree tree;
+    const std::string path = tree.at("note");
+    const auto write = [&](std::uint64_t size) {
+        constexpr std::uint64_t piece = NoteSeal::piece;
+        std::string ends(2 * piece, '\0');
+        NoteSeal seal = NoteSeal::of({.entries = 3, .bytes = 4}, ends);
+        seal.rest = size;
+        std::ofstream(path) << seal.line();
+        std::filesystem::resize_file(path, seal.line().size() + size);
+    };
+    constexpr std::uint64_t size = std::uint64_t{200} << 30U;
+    write(size);
+    EXPECT_EQ(lookAtNote(path).state, SealedNote::State::Whole);
+    EXPECT_EQ(lookAtNote(path).sums.entries, 3U);
+    const auto whole = std::filesystem::file_size(path);
+    for (const std::uint64_t place : {whole - 1, whole - NoteSeal::piece, whole - size + 5}) {
+        write(size);
+        std::fstream(path).seekp(static_cast<std::streamoff>(place)) << 'x';
+        EXPECT_EQ(lookAtNote(path).state, SealedNote::State::Damaged) << place;
+    }
+    std::filesystem::resize_file(path, whole - 1);
+    EXPECT_EQ(lookAtNote(path).state, SealedNote::State::Damaged);
+    EXPECT_EQ(lookAtNote(tree.at("none")).error, ENOENT);
 }
 
 // Where it can not be noted nothing is there to undo by, and the caller hears of it.

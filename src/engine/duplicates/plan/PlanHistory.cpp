@@ -1,4 +1,4 @@
-// A file has a line with the sums and the folders, and then the plan as PlanFile writes it.
+// A file has its seal, a line with the folders, and then the plan as PlanFile writes it.
 #include "engine/duplicates/plan/PlanHistory.h"
 
 #include <dirent.h>
@@ -44,15 +44,8 @@ bool isHistoryId(std::string_view id) {
            std::ranges::all_of(id, [](char c) { return (c >= '0' && c <= '9') || c == '-'; });
 }
 
-struct NoteHead {
-    std::optional<RemovalSummary> sums;  ///< of a note from before these were written: none
-    std::vector<UndoFolder> folders;
-};
-
-std::string headLine(const PlanSums& sums, const std::vector<UndoFolder>& folders) {
-    std::string line =
-        fmt::format("{{\"orrinvaleRemoval\": 1, \"entries\": {}, \"bytes\": {}, \"folders\": [",
-                    sums.entries(), sums.bytes);
+std::string headLine(const std::vector<UndoFolder>& folders) {
+    std::string line = "{\"orrinvaleRemoval\": 1, \"folders\": [";
     for (const UndoFolder& each : folders) {
         line += &each == folders.data() ? "{" : ", {";
         appendJsonPath(line, each.path);
@@ -78,26 +71,30 @@ bool takeUndoFolder(JsonReader& reader, UndoFolder& folder) {
     return !reader.hasFailed();
 }
 
-// The line that a note begins with.
-std::string_view headOf(std::string_view note) { return note.substr(0, note.find('\n')); }
+// Without the seal, which an older note has not; nothing where the seal was of another rest.
+std::optional<std::string_view> unsealed(std::string_view note) {
+    const auto seal = NoteSeal::parse(note);
+    if (!seal) return note;
+    note.remove_prefix(note.find('\n') + 1);
+    return seal->holds(note) ? std::optional(note) : std::nullopt;
+}
 
-std::optional<NoteHead> parseHead(std::string_view line) {
+std::optional<std::vector<UndoFolder>> parseHead(std::string_view line) {
     JsonReader reader(line);
-    NoteHead head;
+    std::vector<UndoFolder> folders;
     if (!reader.beginObject() || reader.nextMember() != "orrinvaleRemoval" || reader.count() != 1)
         return std::nullopt;
     auto name = reader.nextMember();
-    if (name == "entries") {
-        head.sums.emplace().entries = reader.count().value_or(0);
-        if (reader.nextMember() != "bytes") return std::nullopt;
-        head.sums->bytes = reader.count().value_or(0);
+    // Notes had their sums here before they had a seal.
+    while (name == "entries" || name == "bytes") {
+        static_cast<void>(reader.count());
         name = reader.nextMember();
     }
     if (name != "folders" || !reader.beginArray()) return std::nullopt;
     while (reader.nextElement())
-        if (!takeUndoFolder(reader, head.folders.emplace_back())) return std::nullopt;
+        if (!takeUndoFolder(reader, folders.emplace_back())) return std::nullopt;
     if (reader.hasFailed() || reader.nextMember() || !reader.isAtEnd()) return std::nullopt;
-    return head;
+    return folders;
 }
 
 }  // namespace
@@ -114,8 +111,11 @@ tl::expected<std::string, std::string> PlanHistory::note(const FileSystem& files
         return tl::unexpected(made.error().reason());
     forgetOld();
     const std::string id = newHistoryId();
-    const std::string text = headLine(sumsOf(plan), foldersOf(files, plan)) + writePlan(plan);
-    if (text.size() > mostNoteBytes) return tl::unexpected(std::string(tooLargeToNote));
+    std::string text = headLine(foldersOf(files, plan)) + writePlan(plan);
+    if (text.size() > mostNoteBytes - NoteSeal::mostBytes)
+        return tl::unexpected(std::string(tooLargeToNote));
+    const PlanSums sums = sumsOf(plan);
+    text.insert(0, NoteSeal::of({sums.entries(), sums.bytes}, text).line());
     const auto saved = DurableFile::save(fileOf(id), text);
     if (!saved) return tl::unexpected(saved.error().reason());
     return id;
@@ -166,21 +166,22 @@ tl::expected<std::string, std::string> PlanHistory::textOf(const std::string& id
 tl::expected<NotedRemoval, std::string> PlanHistory::load(const std::string& id) const {
     const auto text = textOf(id);
     if (!text) return tl::unexpected(text.error());
-    const std::string_view all = *text;
-    const std::string_view line = headOf(all);
-    auto head = parseHead(line);
-    if (!head) return tl::unexpected(std::string(damagedNote));
-    auto plan = parsePlan(all.substr(std::min(line.size() + 1, all.size())), PlanUse::Undo);
+    const auto note = unsealed(*text);
+    if (!note) return tl::unexpected(std::string(damagedNote));
+    const std::string_view line = note->substr(0, note->find('\n'));
+    auto folders = parseHead(line);
+    if (!folders) return tl::unexpected(std::string(damagedNote));
+    auto plan = parsePlan(note->substr(std::min(line.size() + 1, note->size())), PlanUse::Undo);
     if (!plan) return tl::unexpected("its record is no good: " + plan.error());
-    return NotedRemoval{id, std::move(*plan), std::move(head->folders)};
+    return NotedRemoval{id, std::move(*plan), std::move(*folders)};
 }
 
 tl::expected<RemovalSummary, std::string> PlanHistory::summaryOf(const std::string& id) const {
-    const auto text = textOf(id);
-    if (!text) return tl::unexpected(text.error());
-    const auto head = parseHead(headOf(*text));
-    if (!head) return tl::unexpected(std::string(damagedNote));
-    if (head->sums) return *head->sums;
+    if (!isHistoryId(id)) return tl::unexpected(std::string("there is no such removal"));
+    const SealedNote seen = lookAtNote(fileOf(id));
+    if (seen.state == SealedNote::State::Whole) return seen.sums;
+    if (seen.state == SealedNote::State::Damaged) return tl::unexpected(std::string(damagedNote));
+    // It is of before there were seals, or can not be read for a reason that load() has words for.
     const auto noted = load(id);
     if (!noted) return tl::unexpected(noted.error());
     const PlanSums sums = sumsOf(noted->plan);

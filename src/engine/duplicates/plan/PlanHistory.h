@@ -11,6 +11,7 @@
 
 #include "engine/base/Date.h"
 #include "engine/duplicates/plan/DuplicatePlan.h"
+#include "engine/duplicates/plan/NoteSeal.h"
 #include "engine/duplicates/plan/TrashUndo.h"
 #include "platform/descriptor.h"
 
@@ -21,12 +22,6 @@ struct NotedRemoval {
     std::string id;  ///< its file's name without the extension; sorts by time
     DuplicatePlan plan;
     std::vector<UndoFolder> folders;
-};
-
-/// What lists tell of one.
-struct RemovalSummary {
-    std::size_t entries = 0;
-    std::uint64_t bytes = 0;
 };
 
 /// A file (0600) for each removal in a folder of this user, written before anything moves, so that
@@ -51,8 +46,8 @@ public:
     /// Why not, in words: there is none, or its file is damaged, which concerns no other.
     [[nodiscard]] tl::expected<NotedRemoval, std::string> load(const std::string& id) const;
 
-    /// Its sums without the plan behind them, which may be damaged all the same: a list of removals
-    /// is there at once, however large they were. Why not, in words, as load().
+    /// Its sums by its seal (NoteSeal.h): a list of removals is there at once, however large they
+    /// were. Why not, in words, as load(): among others that its record is damaged.
     [[nodiscard]] tl::expected<RemovalSummary, std::string> summaryOf(const std::string& id) const;
 
     /// Forgets one of which nothing moved.
