@@ -4005,6 +4005,55 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>%1, ticked: %2, of it not in this list: %3</source>
         <translation>%1, ausgewählt: %2, davon nicht in dieser Liste: %3</translation>
     </message>
+    <message>
+        <source>1 folder with all that is in it</source>
+        <translation>1 Ordner mit allem, was darin ist</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln folders with all that is in them</source>
+        <translation>
+            <numerusform>%Ln Ordner mit allem, was darin ist</numerusform>
+            <numerusform>%Ln Ordner mit allem, was darin ist</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1, %2, goes for good.</source>
+        <translation>%1, %2, wird endgültig entfernt.</translation>
+    </message>
+    <message>
+        <source>%1, %2, go for good.</source>
+        <translation>%1, %2, werden endgültig entfernt.</translation>
+    </message>
+    <message>
+        <source>1 file</source>
+        <translation>1 Datei</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files</source>
+        <translation>
+            <numerusform>%Ln Datei</numerusform>
+            <numerusform>%Ln Dateien</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 and %2, %3 in all, go for good.</source>
+        <translation>%1 und %2, zusammen %3, werden endgültig entfernt.</translation>
+    </message>
+    <message>
+        <source>%1 of it is not in the list that you see.</source>
+        <translation>%1 davon stehen nicht in der Liste, die Sie sehen.</translation>
+    </message>
+    <message>
+        <source>1 of the files has other names, and frees nothing while one of them is left.</source>
+        <translation>1 der Dateien hat weitere Namen und gibt keinen Platz frei, solange einer davon bleibt.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln of the files have other names, and free nothing while one of them is left.</source>
+        <translation>
+            <numerusform>%Ln der Dateien hat weitere Namen und gibt keinen Platz frei, solange einer davon bleibt.</numerusform>
+            <numerusform>%Ln der Dateien haben weitere Namen und geben keinen Platz frei, solange einer davon bleibt.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::LoginItemController</name>

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "engine/base/saturating.h"
+#include "engine/files/bundleName.h"
 
 namespace orrinvale {
 namespace {
@@ -146,6 +147,8 @@ TickedTotals totalsOf(std::span<FileNode* const> nodes) {
             if (node->state() != FileNode::Selected) continue;
             ++totals.nodes;
             addSaturating(totals.bytes, node->size());
+            if (!node->isDirectory()) totals.linked += node->links() > 1 ? 1U : 0U;
+            else if (!isClosedAmongLargeFiles(node->name())) ++totals.folders;
         }
     };
     count(nodes);

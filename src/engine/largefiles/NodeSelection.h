@@ -54,6 +54,8 @@ void tickMany(FileNode& root, std::span<FileNode* const> nodes, FileNode::State 
 struct TickedTotals {
     std::uint64_t nodes = 0;
     std::uint64_t bytes = 0;
+    std::uint64_t folders = 0;  ///< of the nodes; a bundle is none
+    std::uint64_t linked = 0;   ///< of the nodes the files that have other names too
     friend bool operator==(const TickedTotals&, const TickedTotals&) = default;
 };
 

@@ -7,6 +7,7 @@
 #include "engine/largefiles/PublicUtilities.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
+#include "ui/kit/controls/numberText.h"
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/largefiles/FileNodeModel.h"
@@ -20,17 +21,60 @@ namespace {
 // The question has slid away before the next window comes.
 constexpr std::chrono::milliseconds beforeRemoval{500};
 
+QString tickedSize(std::uint64_t bytes) {
+    return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
+}
+
+// With a place for the size.
+QString goingWords(const TickedTotals& ticked) {
+    const auto folders = static_cast<int>(ticked.folders);
+    const auto files = static_cast<int>(ticked.nodes - ticked.folders);
+    const QString folderWords =
+        folders == 1
+            ? ListFileViewController::tr("1 folder with all that is in it")
+            : ListFileViewController::tr("%Ln folders with all that is in them", nullptr, folders);
+    if (files == 0)
+        return folders == 1 ? ListFileViewController::tr("%1, %2, goes for good.").arg(folderWords)
+                            : ListFileViewController::tr("%1, %2, go for good.").arg(folderWords);
+    const QString fileWords = files == 1 ? ListFileViewController::tr("1 file")
+                                         : ListFileViewController::tr("%Ln files", nullptr, files);
+    if (folders != 0)
+        return ListFileViewController::tr("%1 and %2, %3 in all, go for good.")
+            .arg(fileWords, folderWords);
+    return files == 1 ? ListFileViewController::tr("%1, %2, goes for good.").arg(fileWords)
+                      : ListFileViewController::tr("%1, %2, go for good.").arg(fileWords);
+}
+
 }  // namespace
 
 void ListFileViewController::deleteFiles() {
     if (!isFree()) return;
+    Alert question = removalQuestion();
+    question.text = consequences().join(QLatin1Char('\n'));
     // What a later scan shows was not asked about.
     m_parts.dialogs->alert(
-        m_mainWindow, removalQuestion(),
+        m_mainWindow, question,
         [self = QPointer(this), asked = std::weak_ptr(m_rootNodeArr)](int button) {
             if (self != nullptr && self->m_rootNodeArr == asked.lock())
                 self->alertEnded_code(button == 0 ? 1 : 0);
         });
+}
+
+// How much goes, and what of it the person does not see or does not get back.
+QStringList ListFileViewController::consequences() const {
+    const TickedTotals ticked = Controller::getController().ticked();
+    QStringList lines{goingWords(ticked).arg(tickedSize(ticked.bytes))};
+    const std::uint64_t elsewhere = tickedElsewhere(ticked.bytes);
+    if (elsewhere != 0)
+        lines << tr("%1 of it is not in the list that you see.").arg(tickedSize(elsewhere));
+    const auto linked = static_cast<int>(ticked.linked);
+    if (linked == 1)
+        lines << tr("1 of the files has other names, and frees nothing while one of them is left.");
+    else if (linked > 1)
+        lines << tr(
+            "%Ln of the files have other names, and free nothing while one of them is left.",
+            nullptr, linked);
+    return lines;
 }
 
 void ListFileViewController::alertEnded_code(int code) {

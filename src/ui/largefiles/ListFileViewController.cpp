@@ -299,10 +299,17 @@ QString ListFileViewController::tickedText() const {
             ? tr("1 file, %1").arg(size)
             : tr("%1 files, %2").arg(QLocale().toString(qulonglong(list->count())), size);
     if (!isAny) return all;
-    const std::uint64_t elsewhere = ticked - std::min(ticked, m_files->tickedBytes());
+    const std::uint64_t elsewhere = tickedElsewhere(ticked);
     if (elsewhere == 0) return tr("%1, ticked: %2").arg(all, sizeOf(ticked));
     return tr("%1, ticked: %2, of it not in this list: %3")
         .arg(all, sizeOf(ticked), sizeOf(elsewhere));
+}
+
+// Bytes of so many that are ticked, but in no row of the list of files; none while the tree is
+// seen, whose rows may be closed.
+std::uint64_t ListFileViewController::tickedElsewhere(std::uint64_t ticked) const {
+    if (!isListShown() || m_files->list() == nullptr) return 0;
+    return ticked - std::min(ticked, m_files->tickedBytes());
 }
 
 void ListFileViewController::showQuietLine() {

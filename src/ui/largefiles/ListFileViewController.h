@@ -6,6 +6,7 @@
 #include <QIcon>
 #include <QObject>
 #include <QPointer>
+#include <QStringList>
 #include <QTimer>
 #include <cstdint>
 #include <functional>
@@ -124,6 +125,7 @@ private:
     [[nodiscard]] TickOutline& shownOutline() const;
     void showTicked();
     [[nodiscard]] QString tickedText() const;
+    [[nodiscard]] std::uint64_t tickedElsewhere(std::uint64_t ticked) const;
     void outlineViewItemDidExpand(const QModelIndex& index);
     void outlineViewItemDidCollapse(const QModelIndex& index);
     void cellClicked(const QModelIndex& index);
@@ -135,6 +137,7 @@ private:
     void takeOut(FileNode& node);
 
     // Removal.
+    [[nodiscard]] QStringList consequences() const;
     void alertEnded_code(int code);
     void doRemoveAction();
     void changeProgressWithPoint(std::int32_t percent, const std::string& path) override;

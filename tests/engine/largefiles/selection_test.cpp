@@ -3,6 +3,7 @@
 #include <rapidcheck.h>
 
 #include "engine/files/Arena.h"
+#include "engine/files/bundleName.h"
 #include "engine/largefiles/NodeSelection.h"
 #include "engine/largefiles/ScannedTree.h"
 #include "support/test.h"
@@ -24,6 +25,7 @@ public:
                 nodeAt(tree, slash == std::string::npos ? "" : path.substr(0, slash));
             const FoundEntry entry{.name = m_names.copy(path.substr(slash + 1)),
                                    .isDirectory = isFolder,
+                                   .links = m_position % 3,
                                    .position = m_position++,
                                    .size = isFolder ? 0U : 1U};
             tree.add(*folder, {&entry, 1});
@@ -276,10 +278,14 @@ TEST(Selection, AFileThatIsTickedByItselfLeavesAllOthersAsTheyStood) {
             for (const FileNode* const each : hand.files)
                 if (hand.isShown(*each)) RC_ASSERT(each->state() == standingState(*each));
             const auto nodes = tickedOf(hand.tree.root().children());
-            std::uint64_t bytes = 0;
-            for (const FileNode* const node : nodes) bytes += node->size();
-            RC_ASSERT(totalsOf(hand.tree.root().children()) ==
-                      (TickedTotals{.nodes = nodes.size(), .bytes = bytes}));
+            TickedTotals totals{.nodes = nodes.size()};
+            for (const FileNode* const node : nodes) {
+                totals.bytes += node->size();
+                totals.folders +=
+                    node->isDirectory() && !isClosedAmongLargeFiles(node->name()) ? 1U : 0U;
+                totals.linked += !node->isDirectory() && node->links() > 1 ? 1U : 0U;
+            }
+            RC_ASSERT(totalsOf(hand.tree.root().children()) == totals);
         }
     }));
 }

@@ -183,5 +183,31 @@ TEST_F(LargestList, WhatGoesLeavesItAndWhatChangedStaysOnTheDisk) {
     else qputenv("XDG_DATA_HOME", dataBefore);
 }
 
+TEST_F(LargestList, SaysWhatGoesBeforeItGoes) {
+    const auto asked = [&] {
+        on.dialogs.willAnswer(1);
+        on.click("deleteButton");
+        return on.dialogs.alerts().back().text.toStdString();
+    };
+    ASSERT_TRUE(on.tree.hardLink("f/movie.mkv", "f/photos/again.mkv") && on.scan(on.tree.at("f")));
+    on.tick("photos");
+    EXPECT_EQ(asked(), "1 folder with all that is in it, 6.50 MB, goes for good.");
+    on.control<SegmentedControl>("viewSwitch").segment(1)->click();
+    EXPECT_TRUE(comes(6));
+    tick("notes.txt");
+    EXPECT_TRUE(pick("kindBtn", "kindMenu", "Pictures"));
+    EXPECT_TRUE(says("2 files, 1.50 MB, ticked: 6.50 MB, of it not in this list: 5.00 MB"));
+    EXPECT_EQ(asked(),
+              "1 file and 1 folder with all that is in it, 6.50 MB in all, go for good.\n5.00 MB "
+              "of it is not in the list that you see.");
+    EXPECT_TRUE(pick("kindBtn", "kindMenu", "All kinds"));
+    EXPECT_TRUE(comes(6));
+    for (const char* const name : {"lake.png", "old.png", "again.mkv", "movie.mkv"}) tick(name);
+    EXPECT_TRUE(says("6 files, 12.20 MB, ticked: 5.00 MB"));
+    EXPECT_EQ(asked(),
+              "2 files, 5.00 MB, go for good.\n1 of the files has other names, and frees nothing "
+              "while one of them is left.");
+}
+
 }  // namespace
 }  // namespace orrinvale
