@@ -3574,10 +3574,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>%1, auf dem Datenträger %2</translation>
     </message>
     <message>
-        <source>shared by %1 names</source>
-        <translation>unter %1 Namen vorhanden</translation>
-    </message>
-    <message>
         <source>Show in Folder</source>
         <translation>Im Ordner zeigen</translation>
     </message>
@@ -3600,6 +3596,13 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Ticked</source>
         <translation>Ausgewählt</translation>
+    </message>
+    <message numerus="yes">
+        <source>One of %Ln names of one file; its space is free when all are gone</source>
+        <translation>
+            <numerusform>Einer von %Ln Namen einer Datei; ihr Platz wird frei, wenn er weg ist</numerusform>
+            <numerusform>Einer von %Ln Namen einer Datei; ihr Platz wird frei, wenn alle weg sind</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -3811,6 +3814,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>It is not noted here when files are opened</source>
         <translation>Hier wird nicht vermerkt, wann Dateien geöffnet werden</translation>
     </message>
+    <message>
+        <source>%1 left out: their disk does not answer whether openings are noted there</source>
+        <translation>%1 ausgelassen: Ihr Datenträger antwortet nicht, ob dort vermerkt wird, wann eine Datei geöffnet wird</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::LargestFilesModel</name>
@@ -3898,6 +3905,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>%1, age: %2</source>
         <translation>%1, Alter: %2</translation>
+    </message>
+    <message>
+        <source>Its disk does not answer whether that is noted</source>
+        <translation>Ihr Datenträger antwortet nicht, ob das vermerkt wird</translation>
     </message>
 </context>
 <context>

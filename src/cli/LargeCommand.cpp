@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <utility>
 
@@ -31,6 +32,17 @@ Ending runScan(EumeRoot& scan, std::shared_ptr<FileNodeTree> tree, Telling telli
     scan.eumeAllRootFileNodeWithRootArr(std::move(tree), root);
     return watchScan(
         scan, [&scan] { return progressLine(scan); }, telling);
+}
+
+// A disk that hangs answers not at all, all others at once.
+constexpr std::chrono::seconds forAnswers{2};
+
+void complainOfLeftOut(const LargestFiles& list) {
+    for (const auto& [count, why] :
+         {std::pair{list.unknownCount(), "nobody notes there when a file is opened"},
+          {list.unansweredCount(), "their disk does not answer whether that is noted"}})
+        if (count > 0)
+            complain(fmt::format("{} {} left out: {}", count, count == 1 ? "file" : "files", why));
 }
 
 std::string readOrder(const std::string& text, FileWish& wish) {
@@ -123,7 +135,7 @@ Status LargeCommand::run(const Arguments& arguments) {
 Status LargeCommand::printFlat(const Arguments& arguments, FileNodeTree& tree, FileWish wish,
                                std::uint64_t top, const std::vector<Error>& skipped,
                                Ending ending) {
-    wish.keepsOpening = keepsOpeningOf(tree);
+    wish.openings = OpeningInquiry(tree).wait(forAnswers);
     LargestFiles list(tree, std::move(wish));
     list.finish();
     const std::size_t count = std::min<std::uint64_t>(top, list.count());
@@ -131,9 +143,7 @@ Status LargeCommand::printFlat(const Arguments& arguments, FileNodeTree& tree, F
     if (arguments.has("json")) printJson(out, tree, list, count, skipped, ending != Ending::Whole);
     else if (arguments.has("print0")) printPaths(out, list, count);
     else printListing(out, tree, list, count, wantsColour(STDOUT_FILENO));
-    if (list.unknownCount() > 0 && !arguments.has("quiet"))
-        complain(fmt::format("{} {} left out: nobody notes there when a file is opened",
-                             list.unknownCount(), list.unknownCount() == 1 ? "file" : "files"));
+    if (!arguments.has("quiet")) complainOfLeftOut(list);
     return finish(out, skipped, ending);
 }
 

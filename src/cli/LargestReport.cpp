@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -18,14 +19,20 @@ std::span<const LargestFiles::Row> printed(LargestFiles& list, std::size_t count
     return list.first(count).first(count);
 }
 
-std::string timeText(std::uint32_t second) {
-    return second == 0 ? "null" : "\"" + iso8601(Date::fromSeconds(second)) + "\"";
+std::string timeText(std::optional<std::int64_t> second) {
+    return second ? "\"" + iso8601(Date::fromSeconds(*second)) + "\"" : "null";
 }
 
 // The day, in the process's time zone.
-std::string dayText(std::uint32_t second) {
+std::string dayText(std::optional<std::int64_t> second) {
     constexpr std::size_t dayLength = 10;
-    return second == 0 ? "-" : iso8601(Date::fromSeconds(second)).substr(0, dayLength);
+    return second ? iso8601(Date::fromSeconds(*second)).substr(0, dayLength) : "-";
+}
+
+// Removing one of several names frees nothing.
+std::string namesText(const FileNode& file) {
+    if (file.isDirectory()) return "/";
+    return file.links() > 1 ? fmt::format("  (one of {} names)", file.links()) : "";
 }
 
 std::string plainPathOf(const FileNode& file) {
@@ -40,9 +47,9 @@ void printJson(Output& out, const FileNodeTree& tree, LargestFiles& list, std::s
     std::string text = "{\n  ";
     appendJsonPath(text, tree.rootPath(), "root");
     text += fmt::format(
-        ",\n  \"files\": {},\n  \"size\": {},\n  \"openedUnknown\": {},\n  \"stopped\": {},\n  "
-        "\"skipped\": [",
-        list.count(), list.bytes(), list.unknownCount(), stopped);
+        ",\n  \"files\": {},\n  \"size\": {},\n  \"openedUnknown\": {},\n  "
+        "\"openedUnanswered\": {},\n  \"stopped\": {},\n  \"skipped\": [",
+        list.count(), list.bytes(), list.unknownCount(), list.unansweredCount(), stopped);
     appendJsonSkipped(text, skipped);
     text += "],\n  \"entries\": [";
     const char* between = "\n    {\"name\": ";
@@ -55,10 +62,10 @@ void printJson(Output& out, const FileNodeTree& tree, LargestFiles& list, std::s
         appendJsonPath(text, plainPathOf(file));
         text += fmt::format(
             ", \"directory\": {}, \"size\": {}, \"kind\": \"{}\", \"modified\": {}, "
-            "\"opened\": {}}}",
+            "\"opened\": {}, \"names\": {}}}",
             file.isDirectory(), file.size(), kindName(kindOfExtension(pathExtension(file.name()))),
-            timeText(file.lastWritten()),
-            timeText(list.wish().knowsOpening(file) ? file.lastOpened() : 0));
+            timeText(file.lastWritten()), timeText(list.wish().lastOpened(file)),
+            file.isDirectory() ? 1U : std::max(file.links(), 1U));
         out.write(text);
         text.clear();
     }
@@ -75,14 +82,13 @@ void printListing(Output& out, const FileNodeTree& tree, LargestFiles& list, std
     const std::string_view strong = colour ? "\x1b[1m" : "";
     const std::string_view plain = colour ? "\x1b[0m" : "";
     const FileWish& wish = list.wish();
-    const bool showsOpening = wish.openedBy != 0 || wish.order == FileWish::Order::Opened;
+    const bool showsOpening = wish.openedBy || wish.order == FileWish::Order::Opened;
     for (const LargestFiles::Row& row : printed(list, count)) {
         const FileNode& file = *row.node;
-        const std::uint32_t opened = wish.knowsOpening(file) ? file.lastOpened() : 0;
         out.write(fmt::format("{}{:>10}{}  {:<10}  {}{}\n", strong,
                               UtilityFunction::convertVolSpace(file.size()), plain,
-                              dayText(showsOpening ? opened : file.lastWritten()),
-                              printable(plainPathOf(file)), file.isDirectory() ? "/" : ""));
+                              dayText(showsOpening ? wish.lastOpened(file) : file.lastWritten()),
+                              printable(plainPathOf(file)), namesText(file)));
     }
     out.write(fmt::format("{}{:>10}{}  {} {} in {}\n", strong,
                           UtilityFunction::convertVolSpace(list.bytes()), plain, list.count(),

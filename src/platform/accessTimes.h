@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/fileTypes.h"
@@ -16,11 +17,10 @@ inline constexpr std::uint64_t accessTimeAsked = ~std::uint64_t{0};
 /// eight bytes more for each entry.
 inline void askAccessTime(CatalogEntry& entry) { entry.attributes.mount = accessTimeAsked; }
 
-/// The answer, nanoseconds since 1970-01-01 UTC; 0 where none is known.
-[[nodiscard]] inline std::int64_t toldAccessTime(const CatalogEntry& entry) {
-    return entry.error != 0 || entry.attributes.mount == accessTimeAsked
-               ? 0
-               : static_cast<std::int64_t>(entry.attributes.mount);
+/// The answer, nanoseconds since 1970-01-01 UTC; nothing where none is known.
+[[nodiscard]] inline std::optional<std::int64_t> toldAccessTime(const CatalogEntry& entry) {
+    if (entry.error != 0 || entry.attributes.mount == accessTimeAsked) return std::nullopt;
+    return static_cast<std::int64_t>(entry.attributes.mount);
 }
 
 /// Whether reading a file at the path leaves a time behind: not on what is mounted "noatime" or for

@@ -159,6 +159,23 @@ TEST(LargeCommand, listsTheFilesOfAllFoldersAsTheyAreWished) {
     EXPECT_EQ(largeRun({"--flat", "--kind", "videos", "--older", "1y", tree.path()}).run().output,
               "   2.50 KB  2014-05-13  " + tree.at("a/old.mkv") + "\n   2.50 KB  1 file in " +
                   tree.path() + "\n");
+    // A time of 1970 is one, and one of two names says so.
+    const timespec start[]{{}, {}};
+    ASSERT_TRUE(::utimensat(AT_FDCWD, tree.at("note.txt").c_str(), start, 0) == 0 &&
+                tree.hardLink("note.txt", "a/again.txt"));
+    ProgramRun named =
+        largeRun({"--flat", "--kind", "documents", "--unopened", "50y", tree.path()});
+    named.environment = {"TZ=UTC"};
+    const auto listed = named.run();
+    EXPECT_THAT(listed.output, ::testing::HasSubstr("  1970-01-01  " + tree.at("note.txt") +
+                                                    "  (one of 2 names)\n"));
+    named.arguments.push_back("--json");
+    const Json both = Json::parse(named.run().output);
+    EXPECT_EQ(both["files"], 2);
+    EXPECT_EQ(both["entries"][0]["names"], 2);
+    EXPECT_EQ(both["entries"][0]["modified"], "1970-01-01T00:00:00+00:00");
+    EXPECT_EQ(both["openedUnanswered"], 0);
+    EXPECT_EQ(first["names"], 1);
     expectStatuses("large", tree.path(),
                    {{{"--flat", "--kind", "films", "a"}, 2, 1},
                     {{"--flat", "--older", "1", "a"}, 2, 1},

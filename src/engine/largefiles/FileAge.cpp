@@ -1,8 +1,8 @@
 #include "engine/largefiles/FileAge.h"
 
 #include <algorithm>
-#include <limits>
 
+#include "engine/largefiles/FileNode.h"
 #include "engine/text/SizeText.h"
 
 namespace orrinvale {
@@ -29,9 +29,8 @@ std::optional<std::uint64_t> parseAge(std::string_view text) {
     return *number * days * secondsOfDay;
 }
 
-std::uint32_t lastSecondOf(std::uint64_t age, std::int64_t now) {
-    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(
-        now - static_cast<std::int64_t>(age), 1, std::numeric_limits<std::uint32_t>::max()));
+std::int64_t lastSecondOf(std::uint64_t age, std::int64_t now) {
+    return std::max(now - static_cast<std::int64_t>(age), FileNode::before1970);
 }
 
 }  // namespace orrinvale

@@ -20,7 +20,7 @@ inline constexpr std::uint64_t daysOfYear = 365;
 [[nodiscard]] std::optional<std::uint64_t> parseAge(std::string_view text);
 
 /// The last second at which something happened that is so old now, which is what a wish takes
-/// (LargestFiles.h); 1 where that lies before all times. Both in seconds since 1970.
-[[nodiscard]] std::uint32_t lastSecondOf(std::uint64_t age, std::int64_t now);
+/// (LargestFiles.h); both in seconds since 1970, and FileNode::before1970 for all before.
+[[nodiscard]] std::int64_t lastSecondOf(std::uint64_t age, std::int64_t now);
 
 }  // namespace orrinvale

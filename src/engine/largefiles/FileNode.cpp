@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 #include <vector>
 
 #include "engine/largefiles/FileNodeTree.h"
@@ -54,6 +55,19 @@ EntryIdentity FileNode::identity() const {
     return identity;
 }
 
+bool FileNode::isTakenOut() const {
+    for (const FileNode* node = this; node != nullptr; node = node->m_father)
+        if (node->m_isTakenOut) return true;
+    return false;
+}
+
+std::uint32_t FileNode::keptTime(std::int64_t nanoseconds) {
+    constexpr std::int64_t perSecond = 1'000'000'000;
+    constexpr std::int64_t latest = std::numeric_limits<std::uint32_t>::max();
+    if (nanoseconds < 0) return 1;
+    return static_cast<std::uint32_t>(std::min(nanoseconds / perSecond + 2, latest));
+}
+
 FileNode* FileNode::father() const {
     return m_father != nullptr && m_father->m_father != nullptr ? m_father : nullptr;
 }
@@ -98,6 +112,8 @@ void FileNode::putInOrder(std::span<FileNode*> children) {
 // list alone is compared with those that leave, up to the last of them.
 void FileNode::removeChildren(std::span<FileNode* const> leaving) {
     const std::lock_guard lock(FileNodeTree::of(*this).m_lists);
+    for (FileNode* const node : leaving)
+        if (node->m_father == this) node->m_isTakenOut = true;
     std::size_t found = 0;
     std::size_t at = 0;
     std::size_t kept = 0;
@@ -115,6 +131,7 @@ void FileNode::removeChildren(std::span<FileNode* const> leaving) {
     m_ordered -= orderedGone;
     if (found < leaving.size()) removeChildrenInAnyOrder(leaving.subspan(found));
     ++FileNodeTree::of(*this).m_revision;
+    ++FileNodeTree::of(*this).m_removals;
 }
 
 // Most of those that stay are known by a bit, with no search.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,7 +31,7 @@ struct FoundEntry {
     std::int64_t modified =
         0;  ///< these two of regular files: they tell whether one was written since
     std::int64_t changed = 0;
-    std::int64_t accessed = 0;  ///< 0 where it is not known
+    std::optional<std::int64_t> accessed = {};
 };
 
 /// Belongs to its tree, and to the thread that owns the tree: in the window program the main
@@ -67,11 +68,13 @@ public:
     [[nodiscard]] std::uint32_t links() const { return m_links; }
     /// As the scan saw it. Whoever compares it with the disk has it learnPassing() first.
     [[nodiscard]] EntryIdentity identity() const;
-    /// Seconds since 1970 UTC, from 1 to the year 2106, at which a file was written last, and at
-    /// which it was read or written last; 0 where that is not known, and of folders. The second
-    /// means something where the mount keeps it (platform/accessTimes.h).
-    [[nodiscard]] std::uint32_t lastWritten() const { return m_isDirectory ? 0 : m_childRoom; }
-    [[nodiscard]] std::uint32_t lastOpened() const { return m_isDirectory ? 0 : m_ordered; }
+    /// Seconds since 1970 UTC, up to the year 2106, at which a file was written last, and at which
+    /// it was read or written last; before1970 stands for all that lies before. Nothing where that
+    /// is not known, and of folders. The second means something where the mount keeps it
+    /// (platform/accessTimes.h).
+    [[nodiscard]] std::optional<std::int64_t> lastWritten() const { return secondOf(m_childRoom); }
+    [[nodiscard]] std::optional<std::int64_t> lastOpened() const { return secondOf(m_ordered); }
+    static constexpr std::int64_t before1970 = -1;
     /// Which of FileNodeTree::firstOfDevices() has its device.
     [[nodiscard]] std::uint16_t deviceNumber() const { return m_device; }
 
@@ -83,6 +86,9 @@ public:
 
     /// Null for a node of the top level.
     [[nodiscard]] FileNode* father() const;
+
+    /// Whether it stands in its tree no more: it or a folder above was taken out.
+    [[nodiscard]] bool isTakenOut() const;
 
     [[nodiscard]] std::size_t childCount() const { return m_childCount; }
     /// All children, in order.
@@ -117,6 +123,12 @@ private:
     friend class FileNodeTree;
     FileNode() = default;
     [[nodiscard]] bool standsBefore(const FileNode& other) const;
+    // How times are kept: 0 for none, then 1 for all before 1970, and from there on by seconds.
+    static std::uint32_t keptTime(std::int64_t nanoseconds);
+    [[nodiscard]] std::optional<std::int64_t> secondOf(std::uint32_t kept) const {
+        if (m_isDirectory || kept == 0) return std::nullopt;
+        return std::int64_t{kept} - 2;
+    }
     void removeChildrenInAnyOrder(std::span<FileNode* const> leaving);
 
     const char* m_name = nullptr;
@@ -128,9 +140,9 @@ private:
         0;  // of a regular file EntryIdentity::timesOf(), of all others the time of their making
     FileNode** m_children = nullptr;
     std::uint32_t m_childCount = 0;
-    std::uint32_t m_childRoom = 0;  // of a file, which has no children, lastWritten()
+    std::uint32_t m_childRoom = 0;  // of a file, which has no children, its keptTime() of writing
     std::uint32_t m_ordered =
-        0;  // how many of the first children stand in order; of a file lastOpened()
+        0;  // how many of the first children stand in order; of a file its keptTime() of opening
     std::uint32_t m_position = 0;
     std::uint32_t m_links = 0;
     std::uint16_t m_device = 0;  // index into the tree's devices
@@ -139,6 +151,7 @@ private:
     unsigned char : 0;  // what changes later shares no byte with what a removal reads meanwhile
     State m_state : 2 = NotSelected;
     bool m_isExpand : 1 = false;
+    bool m_isTakenOut : 1 = false;  // of its father's list
 };
 
 }  // namespace orrinvale

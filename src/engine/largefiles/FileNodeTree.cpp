@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <new>
 
 #include "engine/base/saturating.h"
@@ -18,11 +17,10 @@ constexpr std::uint32_t mostInArena = 1024;
 constexpr std::size_t childBytes =
     sizeof(FileNode*);  // NOLINT(bugprone-sizeof-expression): a list of pointers
 
-std::uint32_t secondOf(std::int64_t nanoseconds) {
-    constexpr std::int64_t perSecond = 1'000'000'000;
-    if (nanoseconds == 0) return 0;
-    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(
-        nanoseconds / perSecond, 1, std::numeric_limits<std::uint32_t>::max()));
+// A file system that keeps no times of opening tells 0, and nobody opened a file before it was
+// written: only of a file that is as old as that 0 is a time.
+bool isOpeningKnown(const FoundEntry& entry) {
+    return entry.accessed && (*entry.accessed != 0 || entry.modified <= 0);
 }
 
 // As operator new does: whoever can make room is asked before the allocation fails.
@@ -91,10 +89,11 @@ FileNodeTree::Added FileNodeTree::addHere(FileNode& folder, std::span<const Foun
         node->m_isDirectory = entry.isDirectory;
         node->m_type = entry.type;
         if (node->m_device == m_firstOfDevices.size()) m_firstOfDevices.push_back(node);
-        if (!entry.isDirectory) {
-            node->m_childRoom = secondOf(entry.modified);
-            node->m_ordered =
-                entry.accessed == 0 ? 0 : secondOf(std::max(entry.accessed, entry.modified));
+        // Of what could not be looked at nothing is known.
+        if (!entry.isDirectory && entry.type != FileType::Unknown) {
+            node->m_childRoom = FileNode::keptTime(entry.modified);
+            if (isOpeningKnown(entry))
+                node->m_ordered = FileNode::keptTime(std::max(*entry.accessed, entry.modified));
         }
         added[i] = node;
         addSaturating(size, entry.size);
@@ -122,6 +121,7 @@ void FileNodeTree::growAbove(const FileNode& folder, std::uint64_t size, std::ui
 // A sum that was held at its limit is not known any more; it then shrinks by what it would have.
 void FileNodeTree::empty(FileNode& folder) {
     const std::lock_guard lock(m_lists);
+    for (FileNode* const child : folder.childrenInAnyOrder()) child->m_isTakenOut = true;
     folder.m_childCount = folder.m_ordered = 0;
     const std::uint64_t size = folder.m_size;
     const std::uint64_t onDisk = folder.m_onDisk;

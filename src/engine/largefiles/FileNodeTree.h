@@ -61,6 +61,8 @@ public:
     [[nodiscard]] const std::vector<FileNode*>& firstOfDevices() const { return m_firstOfDevices; }
     /// Rises with every change by add() and removeChild().
     [[nodiscard]] std::uint64_t revision() const { return m_revision; }
+    /// The same, but for changes that only took nodes out by removeChild().
+    [[nodiscard]] std::uint64_t growthRevision() const { return m_revision - m_removals; }
 
     /// What the scan saw below a folder, for the removal of it. Any thread, also while the owner of
     /// the tree changes it.
@@ -93,6 +95,7 @@ private:
     const std::shared_ptr<OwnChanges> m_ownChanges = std::make_shared<OwnChanges>();
     std::uint64_t m_nodeCount = 0;
     std::uint64_t m_revision = 0;
+    std::uint64_t m_removals = 0;  // of the revisions those by removeChild()
 };
 
 }  // namespace orrinvale

@@ -10,7 +10,6 @@
 
 #include "engine/base/saturating.h"
 #include "engine/files/bundleName.h"
-#include "platform/accessTimes.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -59,20 +58,29 @@ int comparedPlaces(const FileNode* a, const FileNode* b) {
 
 }  // namespace
 
-std::vector<bool> keepsOpeningOf(const FileNodeTree& tree) {
-    std::vector<bool> keeps;
-    for (const FileNode* const first : tree.firstOfDevices())
-        keeps.push_back(keepsAccessTimes(first->path()));
-    return keeps;
-}
-
 LargestFiles::LargestFiles(FileNodeTree& tree, FileWish wish)
-    : m_tree(tree), m_wish(std::move(wish)), m_revision(tree.revision()) {
+    : m_tree(tree),
+      m_wish(std::move(wish)),
+      m_revision(tree.revision()),
+      m_growthRevision(tree.growthRevision()) {
     m_levels.push_back({&tree.root(), 0});
     m_rows.reserve(tree.nodeCount());  // what is not used of it is never touched
 }
 
+LargestFiles::LargestFiles(std::shared_ptr<const LargestFiles> before)
+    : m_tree(before->m_tree),
+      m_wish(before->m_wish),
+      m_revision(m_tree.revision()),
+      m_growthRevision(m_tree.growthRevision()),
+      m_before(std::move(before)),
+      m_orderedBefore(m_before->m_ordered),
+      m_unknown(m_before->m_unknown),
+      m_unanswered(m_before->m_unanswered) {
+    m_rows.reserve(m_before->count());
+}
+
 bool LargestFiles::step(std::size_t nodes) {
+    if (m_before != nullptr) return stepRest(nodes);
     while (!m_levels.empty() && nodes > 0) {
         Level& level = m_levels.back();
         const auto children = level.folder->childrenInAnyOrder();
@@ -89,24 +97,48 @@ bool LargestFiles::step(std::size_t nodes) {
     return m_levels.empty();
 }
 
+// What comes into order meanwhile, since somebody looks further, changes its place.
+bool LargestFiles::stepRest(std::size_t nodes) {
+    if (m_orderedBefore != m_before->m_ordered) {
+        m_rows.clear();
+        m_bytes = m_biggest = m_ordered = m_next = 0;
+        m_orderedBefore = m_before->m_ordered;
+    }
+    const std::span<const Row> rows = m_before->m_rows;
+    for (; nodes > 0 && m_next < rows.size(); --nodes, ++m_next) {
+        if (rows[m_next].node->isTakenOut()) continue;
+        add(rows[m_next]);
+        if (m_next < m_orderedBefore) ++m_ordered;
+    }
+    if (m_next < rows.size()) return false;
+    m_before.reset();
+    return true;
+}
+
 void LargestFiles::take(FileNode& node) {
-    if (!isWished(node)) return;
-    m_rows.push_back({keyOf(node), &node});
-    addSaturating(m_bytes, node.size());
-    m_biggest = std::max(m_biggest, node.size());
+    if (isWished(node)) add({keyOf(node), &node});
+}
+
+void LargestFiles::add(const Row& row) {
+    m_rows.push_back(row);
+    addSaturating(m_bytes, row.node->size());
+    m_biggest = std::max(m_biggest, row.node->size());
 }
 
 bool LargestFiles::isWished(const FileNode& node) {
     if (!m_wish.kinds.empty() &&
         std::ranges::find(m_wish.kinds, kindOf(node)) == m_wish.kinds.end())
         return false;
-    const auto isBy = [](std::uint32_t time, std::uint32_t last) {
-        return last == 0 || (time != 0 && time <= last);
+    const auto isBy = [](std::optional<std::int64_t> time, std::optional<std::int64_t> last) {
+        return !last || (time && *time <= *last);
     };
     if (!isBy(node.lastWritten(), m_wish.writtenBy)) return false;
-    if (m_wish.openedBy == 0) return true;
-    if (m_wish.knowsOpening(node)) return node.lastOpened() <= m_wish.openedBy;
-    if (!node.isDirectory()) ++m_unknown;  // a bundle is never old
+    if (!m_wish.openedBy) return true;
+    if (const auto opened = m_wish.lastOpened(node)) return isBy(opened, m_wish.openedBy);
+    if (node.isDirectory()) return false;  // a bundle is never old
+    const bool isAnswered =
+        !node.lastOpened() || m_wish.openingsAt(node) != OpeningNotes::Unanswered;
+    ++(isAnswered ? m_unknown : m_unanswered);
     return false;
 }
 
@@ -126,11 +158,12 @@ std::uint64_t LargestFiles::keyOf(const FileNode& node) const {
     constexpr std::uint64_t latest = std::numeric_limits<std::uint32_t>::max();
     if (m_wish.order == Name) return partOf(node, 0);
     if (m_wish.order == Size) return m_wish.isReversed ? node.size() : ~node.size();
-    const bool isKnown =
-        m_wish.order == Written ? node.lastWritten() != 0 : m_wish.knowsOpening(node);
-    std::uint64_t time = m_wish.order == Written ? node.lastWritten() : node.lastOpened();
-    if (m_wish.isReversed) time = latest - time;
-    if (!isKnown) time = latest;
+    const auto second = m_wish.order == Written ? node.lastWritten() : m_wish.lastOpened(node);
+    std::uint64_t time = latest;
+    if (second) {
+        time = static_cast<std::uint64_t>(*second - FileNode::before1970);
+        if (m_wish.isReversed) time = latest - 1 - time;
+    }
     // Of one second the biggest first, which is true to a kilobyte: archives give thousands of
     // files the same time.
     const std::uint64_t kilobytes = std::min<std::uint64_t>(node.size() >> 10U, latest);

@@ -3,12 +3,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <unordered_map>
 #include <vector>
 
 #include "engine/duplicates/FileKind.h"
 #include "engine/largefiles/FileNodeTree.h"
+#include "engine/largefiles/OpeningInquiry.h"
 
 namespace orrinvale {
 
@@ -22,22 +25,23 @@ struct FileWish {
     };
 
     std::vector<FileKind> kinds = {};  ///< none: all
-    std::uint32_t writtenBy =
-        0;  ///< only what was last written at this second since 1970 or before; 0: whenever
-    std::uint32_t openedBy = 0;  ///< the same of the last opening
+    /// Only what was last written at this second since 1970 or before; nothing: whenever.
+    std::optional<std::int64_t> writtenBy = {};
+    std::optional<std::int64_t> openedBy = {};  ///< the same of the last opening
     Order order = Order::Size;
     bool isReversed = false;  ///< what is not known stays at the end
-    std::vector<bool> keepsOpening =
-        {};  ///< by FileNode::deviceNumber(), whether times of opening mean anything there
+    /// By FileNode::deviceNumber(), whether times of opening mean anything there.
+    std::vector<OpeningNotes> openings = {};
 
-    [[nodiscard]] bool knowsOpening(const FileNode& file) const {
-        return file.lastOpened() != 0 && file.deviceNumber() < keepsOpening.size() &&
-               keepsOpening[file.deviceNumber()];
+    [[nodiscard]] OpeningNotes openingsAt(const FileNode& file) const {
+        return file.deviceNumber() < openings.size() ? openings[file.deviceNumber()]
+                                                     : OpeningNotes::Unanswered;
+    }
+    /// FileNode::lastOpened() where that means something.
+    [[nodiscard]] std::optional<std::int64_t> lastOpened(const FileNode& file) const {
+        return openingsAt(file) == OpeningNotes::Kept ? file.lastOpened() : std::nullopt;
     }
 };
-
-/// For FileWish::keepsOpening. Asks the disks of the tree.
-[[nodiscard]] std::vector<bool> keepsOpeningOf(const FileNodeTree& tree);
 
 /// A row is whatever is no folder, and a bundle, which is taken for one thing here as in the tree.
 /// 16 bytes a row. The order is total, so that the same files always stand in the same order: of
@@ -51,21 +55,29 @@ public:
     };
 
     LargestFiles(FileNodeTree& tree, FileWish wish);
+    /// What another list of the tree still has when nothing happened to that but that nodes were
+    /// taken out: the same wish, the same order, and much less work. It may go on looking while
+    /// further ones are taken out, which then the next list of the rest leaves away.
+    explicit LargestFiles(std::shared_ptr<const LargestFiles> before);
 
     /// Looks at up to so many nodes. True when nothing is left to look at. The tree must not change
-    /// between the first step and the last: see isCurrent().
+    /// between the first step and the last, but for what that constructor says: see isCurrent().
     bool step(std::size_t nodes);
     void finish() { static_cast<void>(step(~std::size_t{0})); }
     /// False since the tree has changed.
     [[nodiscard]] bool isCurrent() const { return m_revision == m_tree.revision(); }
+    /// Since then nodes were taken out of the tree, if anything.
+    [[nodiscard]] bool isOnlyLess() const { return m_growthRevision == m_tree.growthRevision(); }
 
     [[nodiscard]] const FileWish& wish() const { return m_wish; }
     [[nodiscard]] std::size_t count() const { return m_rows.size(); }
     [[nodiscard]] std::uint64_t bytes() const { return m_bytes; }
     /// Bytes of the biggest row.
     [[nodiscard]] std::uint64_t biggest() const { return m_biggest; }
-    /// Files that the wish leaves out only since nobody knows when they were opened.
+    /// Files that the wish leaves out only since it is not noted when they are opened, and those
+    /// whose disk has not answered whether it is. Those of a list of the rest are of its first one.
     [[nodiscard]] std::uint64_t unknownCount() const { return m_unknown; }
+    [[nodiscard]] std::uint64_t unansweredCount() const { return m_unanswered; }
 
     /// All rows, of which the first `count` stand in order. Costs what it takes to find these.
     [[nodiscard]] std::span<const Row> first(std::size_t count);
@@ -80,7 +92,9 @@ private:
         std::size_t next;
     };
 
+    bool stepRest(std::size_t nodes);
     void take(FileNode& node);
+    void add(const Row& row);
     [[nodiscard]] bool isWished(const FileNode& node);
     [[nodiscard]] FileKind kindOf(const FileNode& node);
     [[nodiscard]] std::uint64_t keyOf(const FileNode& node) const;
@@ -91,13 +105,15 @@ private:
 
     FileNodeTree& m_tree;
     const FileWish m_wish;
-    const std::uint64_t m_revision;
-    std::vector<Level> m_levels;  // the way to the node in hand
+    const std::uint64_t m_revision, m_growthRevision;
+    std::shared_ptr<const LargestFiles> m_before;  // until all of its rows were looked at
+    std::size_t m_next = 0, m_orderedBefore = 0;   // in it
+    std::vector<Level> m_levels;                   // the way to the node in hand
     std::vector<Row> m_rows;
     std::size_t m_ordered = 0;  // how many of the first rows stand in order
     std::uint64_t m_bytes = 0;
     std::uint64_t m_biggest = 0;
-    std::uint64_t m_unknown = 0;
+    std::uint64_t m_unknown = 0, m_unanswered = 0;
     std::unordered_map<std::uint64_t, FileKind> m_kinds;  // by extension, eight bytes at most
 };
 

@@ -19,7 +19,8 @@ namespace {
 // Entries of a deep folder that are handed over at once.
 constexpr std::size_t batchEntries = 40;
 
-FoundEntry foundEntry(const FileAttributes& seen, const char* name, std::int64_t accessed) {
+FoundEntry foundEntry(const FileAttributes& seen, const char* name,
+                      std::optional<std::int64_t> accessed) {
     return {.name = name,
             .isDirectory = seen.type == FileType::Folder,
             .type = seen.type,
@@ -68,7 +69,7 @@ void NodeTreeOperator::takeFile(const std::string& path) {
     if (!reference || catalog.FSGetCatalogInfo(*reference, info) != noErr) return;
     FoundChunk chunk;
     chunk.entries.push_back(
-        foundEntry(info.attributes, m_arenas->front().names.copy(splitPath(path).name), 0));
+        foundEntry(info.attributes, m_arenas->front().names.copy(splitPath(path).name), {}));
     m_counts->found.fetch_add(1);
     m_receiver(std::move(chunk));
 }

@@ -89,7 +89,7 @@ int askAttributes(int folder, const char* name, int flags, unsigned wanted, File
     out.inode = answer.stx_ino;
     if (out.mount == accessTimeAsked) {
         const bool isTold = (wanted & answer.stx_mask & STATX_ATIME) != 0;
-        out.mount = isTold ? static_cast<std::uint64_t>(nanoseconds(answer.stx_atime)) : 0;
+        if (isTold) out.mount = static_cast<std::uint64_t>(nanoseconds(answer.stx_atime));
     } else {
         std::memcpy(&out.mount, reinterpret_cast<const std::byte*>(&answer) + 144,
                     sizeof out.mount);  // stx_mnt_id

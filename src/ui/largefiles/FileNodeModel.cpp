@@ -1,7 +1,7 @@
 // columns() says what each column shows; the rest answers LevelModel, which keeps the rows.
 #include "ui/largefiles/FileNodeModel.h"
 
-#include <QLocale>
+#include <QStringList>
 #include <utility>
 
 #include "engine/files/bundleName.h"
@@ -17,18 +17,6 @@ constexpr int sizeOfFileWidth = 96;
 
 QString sizeText(std::uint64_t bytes) {
     return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
-}
-
-// What the size alone would leave a person wondering about.
-QString sizeToolTip(const FileNode& node) {
-    const QString size = sizeText(node.size());
-    const QString onDisk = sizeText(node.sizeOnDisk());
-    QString text = size;
-    if (size != onDisk) text = FileNodeModel::tr("%1, %2 on disk").arg(size, onDisk);
-    if (!node.isDirectory() && node.links() > 1)
-        text += QLatin1Char('\n') +
-                FileNodeModel::tr("shared by %1 names").arg(QLocale().toString(node.links()));
-    return text;
 }
 
 // The row of a folder has the picture of folders, but for a bundle, which has that of its kind.
@@ -73,6 +61,21 @@ std::vector<TickColumn<FileNode>> columns(FileNodeModel::IconSource icons) {
 }
 
 }  // namespace
+
+QString otherNamesText(const FileNode& node) {
+    if (node.isDirectory() || node.links() < 2) return {};
+    return FileNodeModel::tr("One of %Ln names of one file; its space is free when all are gone",
+                             nullptr, int(node.links()));
+}
+
+QString sizeToolTip(const FileNode& node) {
+    const QString size = sizeText(node.size());
+    const QString onDisk = sizeText(node.sizeOnDisk());
+    QStringList lines{size == onDisk ? size : FileNodeModel::tr("%1, %2 on disk").arg(size, onDisk),
+                      otherNamesText(node)};
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n'));
+}
 
 FileNodeModel::FileNodeModel(IconSource icons, BoxClicked boxClicked, QObject* parent)
     : LevelModel(columns(std::move(icons)), parent), m_boxClicked(std::move(boxClicked)) {}

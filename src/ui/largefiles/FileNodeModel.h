@@ -55,4 +55,9 @@ private:
     std::shared_ptr<FileNodeTree> m_tree;
 };
 
+/// That removing this name alone frees nothing, of a file that has others; empty of all else.
+[[nodiscard]] QString otherNamesText(const FileNode& node);
+/// What the size alone would leave a person wondering about.
+[[nodiscard]] QString sizeToolTip(const FileNode& node);
+
 }  // namespace orrinvale

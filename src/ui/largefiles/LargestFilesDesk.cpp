@@ -13,7 +13,6 @@
 #include "engine/base/saturating.h"
 #include "engine/largefiles/FileAge.h"
 #include "engine/largefiles/NodeSelection.h"
-#include "platform/accessTimes.h"
 #include "services/foundation/runAside.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
@@ -26,6 +25,11 @@ namespace {
 // Of the main thread's time in one turn, and nodes between two looks at the clock.
 constexpr qint64 listTurnMilliseconds = 8;
 constexpr std::size_t nodesAtOnce = 4096;
+// Rows that went leave the view so often at most.
+constexpr std::chrono::milliseconds betweenRests{200};
+// Disks that do not hang answer at once.
+constexpr std::chrono::milliseconds forFirstAnswers{300};
+constexpr std::chrono::seconds forLateAnswers{5};
 
 constexpr std::array listedKinds{FileKind::Documents, FileKind::Music,    FileKind::Videos,
                                  FileKind::Archives,  FileKind::Pictures, FileKind::Others};
@@ -68,6 +72,8 @@ LargestFilesDesk::LargestFilesDesk(LargestFilesView& view, LargestFilesModel::Ic
     connect(view.ageBtn, &QAbstractButton::clicked, this, &LargestFilesDesk::showAgeMenu);
     m_timer.setInterval(0);
     connect(&m_timer, &QTimer::timeout, this, &LargestFilesDesk::takeTurn);
+    m_pause.setSingleShot(true);
+    connect(&m_pause, &QTimer::timeout, this, &LargestFilesDesk::refresh);
     showFilters();
 }
 
@@ -76,26 +82,32 @@ void LargestFilesDesk::setTree(std::shared_ptr<FileNodeTree> tree) {
     m_list.reset();
     m_model.setList(nullptr, nullptr, true);
     m_tree = std::move(tree);
-    m_wish.keepsOpening.clear();
+    m_inquiry.reset();
+    m_wish.openings.clear();
     m_ticked = m_tickedBytes = 0;
     m_isAnew = true;
+    m_pause.stop();
     showHeaderBox();
     showNote();
     if (m_tree == nullptr) return m_timer.stop();
     if (m_isShown) start(true);
-    std::vector<std::string> places;
-    for (const FileNode* const first : m_tree->firstOfDevices()) places.push_back(first->path());
+    m_inquiry = std::make_shared<const OpeningInquiry>(*m_tree);
+    askOfOpenings(forFirstAnswers);
+}
+
+// What hangs is asked for again as long as the tree is there: it may come back.
+void LargestFilesDesk::askOfOpenings(std::chrono::milliseconds patience) {
     runAside(
         this, "notes of opening",
-        [places] {
-            std::vector<bool> keeps;
-            for (const std::string& place : places) keeps.push_back(keepsAccessTimes(place));
-            return keeps;
-        },
-        [this, asked = std::weak_ptr(m_tree)](std::vector<bool> keeps) {
-            if (m_tree == nullptr || asked.lock() != m_tree) return;
-            m_wish.keepsOpening = std::move(keeps);
-            if (m_isShown) start(m_isAnew);
+        [inquiry = m_inquiry, patience] { return inquiry->wait(patience); },
+        [this, asked = std::weak_ptr(m_inquiry)](std::vector<OpeningNotes> openings) {
+            if (m_inquiry == nullptr || asked.lock() != m_inquiry) return;
+            if (openings != m_wish.openings) {
+                m_wish.openings = std::move(openings);
+                if (m_isShown) start(m_isAnew);
+            }
+            if (std::ranges::count(m_wish.openings, OpeningNotes::Unanswered) > 0)
+                askOfOpenings(forLateAnswers);
         });
 }
 
@@ -108,7 +120,12 @@ void LargestFilesDesk::refresh() {
     if (!m_isShown || m_tree == nullptr) return;
     const bool isBuilt = m_list != nullptr && m_list->isCurrent();
     if (!isBuilt) {
-        if (m_building == nullptr || !m_building->isCurrent()) start(m_isAnew);
+        const bool isUnderWay = m_building != nullptr &&
+                                (m_isRest ? m_building->isOnlyLess() : m_building->isCurrent());
+        if (isUnderWay) return;
+        const bool isOtherWanted = m_isAnew || (m_building != nullptr && !m_isRest);
+        if (!isOtherWanted && m_list != nullptr && m_list->isOnlyLess()) startRest();
+        else start(m_isAnew);
         return;
     }
     m_model.refresh();
@@ -118,15 +135,30 @@ void LargestFilesDesk::refresh() {
 
 void LargestFilesDesk::start(bool isAnew) {
     m_isAnew = isAnew;
+    m_isRest = false;
     m_building = std::make_unique<LargestFiles>(*m_tree, m_wish);
     m_timer.start();
+}
+
+void LargestFilesDesk::startRest() {
+    if (m_pause.isActive()) return;
+    m_isRest = true;
+    m_building = std::make_unique<LargestFiles>(m_list);
+    m_timer.start();
+}
+
+void LargestFilesDesk::settle() {
+    const bool isLeftOut =
+        m_list != nullptr && m_list->unknownCount() + m_list->unansweredCount() > 0;
+    if (isLeftOut && m_isShown && m_tree != nullptr) start(m_isAnew);
+    else refresh();
 }
 
 void LargestFilesDesk::takeTurn() {
     QElapsedTimer clock;
     clock.start();
     if (m_building != nullptr) {
-        if (!m_building->isCurrent()) start(m_isAnew);
+        if (m_isRest ? !m_building->isOnlyLess() : !m_building->isCurrent()) start(m_isAnew);
         while (clock.elapsed() < listTurnMilliseconds)
             if (m_building->step(nodesAtOnce)) return showList();
         return;
@@ -136,6 +168,8 @@ void LargestFilesDesk::takeTurn() {
 }
 
 void LargestFilesDesk::showList() {
+    QElapsedTimer clock;
+    clock.start();
     m_list = std::move(m_building);
     m_model.setList(m_tree, m_list, m_isAnew);
     if (m_isAnew) {
@@ -146,6 +180,9 @@ void LargestFilesDesk::showList() {
     m_counted = 0;
     showNote();
     Q_EMIT changed();
+    // The rows that are laid out may be a million, and somebody may be scrolling through them.
+    if (m_isRest)
+        m_pause.start(std::max(betweenRests, 10 * std::chrono::milliseconds(clock.elapsed())));
 }
 
 // True at the end. Rows that come into order meanwhile change their places.
@@ -181,6 +218,9 @@ void LargestFilesDesk::showHeaderBox() {
 void LargestFilesDesk::showNote() {
     QString note;
     if (m_tree == nullptr) note = tr("The files are listed once everything has been read");
+    else if (m_list != nullptr && m_list->unansweredCount() > 0 && !m_wish.openings.empty())
+        note = tr("%1 left out: their disk does not answer whether openings are noted there")
+                   .arg(QLocale().toString(qulonglong(m_list->unansweredCount())));
     else if (m_list != nullptr && m_list->unknownCount() > 0)
         note = tr("%1 left out: it is not noted there when a file is opened")
                    .arg(QLocale().toString(qulonglong(m_list->unknownCount())));
@@ -241,13 +281,14 @@ void LargestFilesDesk::showKindMenu() {
 void LargestFilesDesk::showAgeMenu() {
     QMenu* const menu = makeMenu("ageMenu");
     const std::vector<ListedAge> ages = listedAges();
-    const bool isOpeningKept = std::ranges::count(m_wish.keepsOpening, true) > 0;
+    const bool isOpeningKept = std::ranges::any_of(
+        m_wish.openings, [](OpeningNotes each) { return each != OpeningNotes::NotKept; });
     for (std::size_t i = 0; i < ages.size(); ++i) {
         const ListedAge& age = ages[i];
         if (i == 1 || (age.isOfOpening && !ages[i - 1].isOfOpening)) menu->addSeparator();
         QAction* const action = menu->addAction(age.title, this, [this, age, i] {
             FileWish wish = m_wish;
-            wish.writtenBy = wish.openedBy = 0;
+            wish.writtenBy = wish.openedBy = std::nullopt;
             const auto last =
                 lastSecondOf(age.days * secondsOfDay, QDateTime::currentSecsSinceEpoch());
             if (age.days != 0) (age.isOfOpening ? wish.openedBy : wish.writtenBy) = last;

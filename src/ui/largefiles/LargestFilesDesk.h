@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -30,8 +31,11 @@ public:
     /// null while there is none.
     void setTree(std::shared_ptr<FileNodeTree> tree);
     void setShown(bool isShown);
-    /// The tree or its ticks have changed.
+    /// The tree or its ticks have changed. What was taken out leaves the list in batches, as often
+    /// as the view can bear.
     void refresh();
+    /// Nothing more is taken out of the tree for now: what is said beside the list is made true.
+    void settle();
 
     /// What stands in the view; null before.
     [[nodiscard]] const LargestFiles* list() const { return m_list.get(); }
@@ -46,6 +50,8 @@ Q_SIGNALS:
 private:
     void takeTurn();
     void start(bool isAnew);
+    void startRest();
+    void askOfOpenings(std::chrono::milliseconds patience);
     void showList();
     bool countTicked(const QElapsedTimer& clock);
     void showHeaderBox();
@@ -61,7 +67,9 @@ private:
     LargestFilesModel m_model;
     std::shared_ptr<FileNodeTree> m_tree;
     std::shared_ptr<LargestFiles> m_list;
-    std::unique_ptr<LargestFiles> m_building;  // until it is complete
+    std::unique_ptr<LargestFiles> m_building;         // until it is complete
+    bool m_isRest = false;                            // what is built is the rest of what is seen
+    std::shared_ptr<const OpeningInquiry> m_inquiry;  // of the tree
     FileWish m_wish;
     int m_age = 0;  // which entry of the menu of ages holds
     int m_sortColumn = LargestFilesModel::Size;
@@ -71,6 +79,7 @@ private:
     std::uint64_t m_ticked = 0, m_tickedBytes = 0;
     std::uint64_t m_countedTicked = 0, m_countedBytes = 0;  // so far
     QTimer m_timer;
+    QTimer m_pause;  // while it runs what was taken out stays to be seen
 };
 
 }  // namespace orrinvale

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QLocale>
+#include <optional>
 #include <utility>
 
 #include "engine/largefiles/FileAge.h"
@@ -13,6 +14,7 @@
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/lists/columnWidths.h"
 #include "ui/kit/look/picture.h"
+#include "ui/largefiles/FileNodeModel.h"
 
 namespace orrinvale {
 namespace {
@@ -26,9 +28,9 @@ QString listedSize(const FileNode& node) {
 FileKind kindOfNode(const FileNode& node) { return kindOfExtension(pathExtension(node.name())); }
 
 // In the largest unit of which it is at least two.
-QString ageText(std::uint32_t second) {
-    if (second == 0) return QStringLiteral("\u2013");
-    const qint64 age = QDateTime::currentSecsSinceEpoch() - qint64(second);
+QString ageText(std::optional<std::int64_t> second) {
+    if (!second) return QStringLiteral("\u2013");
+    const qint64 age = QDateTime::currentSecsSinceEpoch() - qint64(*second);
     if (age < 0) return LargestFilesModel::tr("in the future");
     const int days = int(age / qint64(secondsOfDay));
     constexpr int twoMonths = 2 * int(daysOfMonth);
@@ -41,19 +43,25 @@ QString ageText(std::uint32_t second) {
     return LargestFilesModel::tr("%Ln years", nullptr, days / int(daysOfYear));
 }
 
-QString dayText(std::uint32_t second) {
-    return second == 0 ? QString()
-                       : QLocale().toString(QDateTime::fromSecsSinceEpoch(second).date(),
-                                            QLocale::LongFormat);
+QString withOtherNames(const QString& text, const FileNode& node, const char* between) {
+    const QString names = otherNamesText(node);
+    return names.isEmpty() ? text : text + QLatin1String(between) + names;
 }
 
-QString writingTip(std::uint32_t second) {
-    return second == 0 ? QString() : LargestFilesModel::tr("Last written: %1").arg(dayText(second));
+QString dayText(std::int64_t second) {
+    return QLocale().toString(QDateTime::fromSecsSinceEpoch(second).date(), QLocale::LongFormat);
 }
 
-QString openingTip(std::uint32_t second) {
-    return second == 0 ? LargestFilesModel::tr("It is not noted here when a file is opened")
-                       : LargestFilesModel::tr("Last read or written: %1").arg(dayText(second));
+QString writingTip(std::optional<std::int64_t> second) {
+    return second ? LargestFilesModel::tr("Last written: %1").arg(dayText(*second)) : QString();
+}
+
+QString openingTip(const FileWish& wish, const FileNode& node) {
+    if (const auto second = wish.lastOpened(node))
+        return LargestFilesModel::tr("Last read or written: %1").arg(dayText(*second));
+    return wish.openingsAt(node) == OpeningNotes::Unanswered
+               ? LargestFilesModel::tr("Its disk does not answer whether that is noted")
+               : LargestFilesModel::tr("It is not noted here when a file is opened");
 }
 
 }  // namespace
@@ -89,6 +97,7 @@ std::vector<TickColumn<FileNode>> LargestFilesModel::columns(const LargestFilesM
          .width = listedSizeWidth,
          .sortKey = int(Order::Size),
          .text = listedSize,
+         .toolTip = sizeToolTip,
          .share = [model](const FileNode& node) { return model->shareOf(node); }},
         {.title = tr("Age"),
          .width = listedAgeWidth,
@@ -98,8 +107,8 @@ std::vector<TickColumn<FileNode>> LargestFilesModel::columns(const LargestFilesM
         {.title = tr("Unopened"),
          .width = listedAgeWidth,
          .sortKey = int(Order::Opened),
-         .text = [model](const FileNode& node) { return ageText(model->openedAt(node)); },
-         .toolTip = [model](const FileNode& node) { return openingTip(model->openedAt(node)); }},
+         .text = [model](const FileNode& node) { return ageText(model->wish().lastOpened(node)); },
+         .toolTip = [model](const FileNode& node) { return openingTip(model->wish(), node); }},
         {.title = tr("Kind"),
          .width = listedKindWidth,
          .text = [](const FileNode& node) { return fileKindTitle(kindOfNode(node)); }},
@@ -155,21 +164,18 @@ double LargestFilesModel::shareOf(const FileNode& node) const {
     return m_list->biggest() == 0 ? 0 : double(node.size()) / double(m_list->biggest());
 }
 
-std::uint32_t LargestFilesModel::openedAt(const FileNode& node) const {
-    return m_list->wish().knowsOpening(node) ? node.lastOpened() : 0;
-}
-
 std::optional<TickState> LargestFilesModel::stateOf(const FileNode& node) const {
     if (node.isSystemFile()) return {};
     return tickState(QVariant(int(standingState(node))));
 }
 
 QString LargestFilesModel::toolTipOf(const FileNode& node) const {
-    return QString::fromStdString(node.path());
+    return withOtherNames(QString::fromStdString(node.path()), node, "\n");
 }
 
 QString LargestFilesModel::descriptionOf(const FileNode& node) const {
-    return tr("%1, age: %2").arg(listedSize(node), ageText(node.lastWritten()));
+    return withOtherNames(tr("%1, age: %2").arg(listedSize(node), ageText(node.lastWritten())),
+                          node, ", ");
 }
 
 QString LargestFilesModel::folderOf(const FileNode& /*node*/) const {

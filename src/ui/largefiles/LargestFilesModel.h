@@ -59,7 +59,7 @@ private:
     static std::vector<TickColumn<FileNode>> columns(const LargestFilesModel* model,
                                                      IconSource icons);
     [[nodiscard]] double shareOf(const FileNode& node) const;
-    [[nodiscard]] std::uint32_t openedAt(const FileNode& node) const;
+    [[nodiscard]] const FileWish& wish() const { return m_list->wish(); }
 
     BoxClicked m_boxClicked;
     std::shared_ptr<FileNodeTree> m_tree;

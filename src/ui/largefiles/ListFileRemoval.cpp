@@ -11,6 +11,7 @@
 #include "ui/kit/dialogs/Dialogs.h"
 #include "ui/kit/dialogs/LineList.h"
 #include "ui/largefiles/FileNodeModel.h"
+#include "ui/largefiles/LargestFilesDesk.h"
 #include "ui/largefiles/ListFileViewController.h"
 #include "ui/largefiles/ListFileViews.h"
 #include "ui/largefiles/NewOutlineView.h"
@@ -122,6 +123,7 @@ void ListFileViewController::removalEnded(const LargeFileRemoval& removal) {
                               : tr("%1 could not be removed; a new scan will show them again")
                                     .arg(QLocale().toString(qulonglong(removal.failed))));
     refreshList();
+    m_files->settle();
     shownOutline().setFocus();
 }
 

@@ -5,11 +5,17 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
 
 #include "engine/files/Arena.h"
 #include "engine/files/bundleName.h"
 #include "engine/largefiles/FileAge.h"
 #include "engine/largefiles/LargestFiles.h"
+#include "engine/largefiles/OpeningInquiry.h"
 #include "engine/largefiles/ScanRun.h"
 #include "platform/accessTimes.h"
 #include "platform/paths.h"
@@ -49,13 +55,13 @@ struct FilesAtRandom {
                                  endings.at(at / words.size() % endings.size());
         if (!m_taken.insert({&folder, full}).second) return;
         const bool isFolder = name % 5 == 4;
-        const FoundEntry entry{.name = m_names.copy(full),
-                               .isDirectory = isFolder,
-                               .type = isFolder ? FileType::Folder : FileType::Regular,
-                               .size = isFolder ? 0 : 1000ULL * static_cast<unsigned>(size),
-                               .device = time % 2 == 0 ? 1U : 2U,
-                               .modified = time * 100 * wholeSecond,
-                               .accessed = (time * 13 % 7) * 100 * wholeSecond};
+        FoundEntry entry{.name = m_names.copy(full),
+                         .isDirectory = isFolder,
+                         .type = isFolder ? FileType::Folder : FileType::Regular,
+                         .size = isFolder ? 0 : 1000ULL * static_cast<unsigned>(size),
+                         .device = time % 2 == 0 ? 1U : 2U,
+                         .modified = (time - 1) * 100 * wholeSecond};
+        if (time != 3) entry.accessed = (time * 13 % 7 - 1) * 100 * wholeSecond;
         FileNode* const node = tree.add(folder, {&entry, 1}).front();
         if (isFolder) folders.push_back(node);
     }
@@ -93,10 +99,11 @@ std::vector<FileNode*> plainList(FileNode& folder, const FileWish& wish) {
         }
         const FileKind kind = kindOfExtension(pathExtension(child->name()));
         const bool isOfKind = wish.kinds.empty() || std::ranges::count(wish.kinds, kind) > 0;
-        const bool isOld = wish.writtenBy == 0 ||
-                           (child->lastWritten() != 0 && child->lastWritten() <= wish.writtenBy);
-        const bool isUnopened = wish.openedBy == 0 ||
-                                (wish.knowsOpening(*child) && child->lastOpened() <= wish.openedBy);
+        const auto isBy = [](std::optional<std::int64_t> time, std::optional<std::int64_t> last) {
+            return !last || (time && *time <= *last);
+        };
+        const bool isOld = isBy(child->lastWritten(), wish.writtenBy);
+        const bool isUnopened = isBy(wish.lastOpened(*child), wish.openedBy);
         if (isOfKind && isOld && isUnopened) listed.push_back(child);
     }
     std::ranges::sort(listed, [&](FileNode* a, FileNode* b) {
@@ -104,14 +111,13 @@ std::vector<FileNode*> plainList(FileNode& folder, const FileWish& wish) {
             constexpr std::int64_t unknown = INT64_MAX;
             const std::int64_t sign = wish.isReversed ? -1 : 1;
             const auto size = static_cast<std::int64_t>(node->size());
-            const std::int64_t written = node->lastWritten();
+            const auto byTime = [&](std::optional<std::int64_t> time) {
+                return std::pair(time ? sign * *time : unknown, -(size / 1024));
+            };
             switch (wish.order) {
                 case Order::Size: return std::pair(-sign * size, std::int64_t{0});
-                case Order::Written:
-                    return std::pair(written == 0 ? unknown : sign * written, -(size / 1024));
-                case Order::Opened:
-                    return std::pair(wish.knowsOpening(*node) ? sign * node->lastOpened() : unknown,
-                                     -(size / 1024));
+                case Order::Written: return byTime(node->lastWritten());
+                case Order::Opened: return byTime(wish.lastOpened(*node));
                 case Order::Name: break;
             }
             return std::pair(std::int64_t{0}, std::int64_t{0});
@@ -125,24 +131,36 @@ std::vector<FileNode*> plainList(FileNode& folder, const FileWish& wish) {
     return listed;
 }
 
+FileWish wishAtRandom() {
+    using enum OpeningNotes;
+    using Last = std::optional<std::int64_t>;
+    using Notes = std::vector<OpeningNotes>;
+    FileWish wish;
+    if (*rc::gen::arbitrary<bool>()) wish.kinds = {FileKind::Videos, FileKind::Others};
+    wish.writtenBy = *rc::gen::element(Last(), Last(), Last(-1), Last(0), Last(200));
+    wish.openedBy = *rc::gen::element(Last(), Last(), Last(0), Last(300));
+    wish.order = *rc::gen::element(Order::Size, Order::Written, Order::Opened, Order::Name);
+    wish.isReversed = *rc::gen::arbitrary<bool>();
+    wish.openings = *rc::gen::element(Notes{}, Notes{Kept, NotKept}, Notes{Unanswered, Kept},
+                                      Notes{Kept, Kept});
+    return wish;
+}
+
 TEST(LargestFiles, AreThoseOfAPlainList) {
     EXPECT_TRUE(rc::check([] {
         FilesAtRandom random;
-        FileWish wish;
-        if (*rc::gen::arbitrary<bool>()) wish.kinds = {FileKind::Videos, FileKind::Others};
-        wish.writtenBy = *rc::gen::element(0U, 0U, 1U, 200U, 400U);
-        wish.openedBy = *rc::gen::element(0U, 0U, 100U, 300U);
-        wish.order = *rc::gen::element(Order::Size, Order::Written, Order::Opened, Order::Name);
-        wish.isReversed = *rc::gen::arbitrary<bool>();
-        wish.keepsOpening = *rc::gen::element(std::vector<bool>{}, std::vector<bool>{true, false},
-                                              std::vector<bool>{true, true});
+        const FileWish wish = wishAtRandom();
         const std::vector<FileNode*> plain = plainList(random.tree.root(), wish);
         FileWish whenever = wish;
-        whenever.openedBy = 0;
+        whenever.openedBy.reset();
         std::uint64_t unknown = 0;
+        std::uint64_t unanswered = 0;
         std::uint64_t bytes = 0;
-        for (const FileNode* const file : plainList(random.tree.root(), whenever))
-            if (!file->isDirectory() && !wish.knowsOpening(*file)) ++unknown;
+        for (const FileNode* const file : plainList(random.tree.root(), whenever)) {
+            if (file->isDirectory() || wish.lastOpened(*file) || !wish.openedBy) continue;
+            const bool isSilent = wish.openingsAt(*file) == OpeningNotes::Unanswered;
+            ++(isSilent && file->lastOpened() ? unanswered : unknown);
+        }
         for (const FileNode* const file : plain) bytes += file->size();
 
         LargestFiles list(random.tree, wish);
@@ -150,7 +168,7 @@ TEST(LargestFiles, AreThoseOfAPlainList) {
         while (!list.step(pace)) {}
         RC_ASSERT(list.count() == plain.size());
         RC_ASSERT(list.bytes() == bytes);
-        RC_ASSERT(list.unknownCount() == (wish.openedBy == 0 ? 0 : unknown));
+        RC_ASSERT(list.unknownCount() == unknown && list.unansweredCount() == unanswered);
         // As far as somebody looks, and further.
         for (std::size_t wanted = 0; wanted < plain.size();
              wanted += *rc::gen::inRange<std::size_t>(1, 40)) {
@@ -159,6 +177,90 @@ TEST(LargestFiles, AreThoseOfAPlainList) {
         }
         RC_ASSERT(list.isCurrent());
     }));
+}
+
+// Nodes leave the tree before a list of the rest is made and while it is, and somebody looks
+// further down the list before meanwhile.
+TEST(LargestFiles, OfTheRestAreThoseOfANewList) {
+    EXPECT_TRUE(rc::check([] {
+        FilesAtRandom random;
+        const FileWish wish = wishAtRandom();
+        auto list = std::make_shared<LargestFiles>(random.tree, wish);
+        list->finish();
+        const auto lookAt = [](LargestFiles& at) {
+            static_cast<void>(at.first(*rc::gen::inRange<std::size_t>(0, 60)));
+        };
+        std::size_t left = *rc::gen::inRange<std::size_t>(0, 6);
+        const auto takeOne = [&] {
+            FileNode* folder = &random.tree.root();
+            for (;;) {
+                const auto children = folder->childrenInAnyOrder();
+                if (children.empty()) return;
+                FileNode* const child =
+                    children[*rc::gen::inRange<std::size_t>(0, children.size())];
+                if (child->childCount() == 0 || *rc::gen::inRange(0, 4) == 0)
+                    return folder->removeChild(*child);
+                folder = child;
+            }
+        };
+        while (!list->isCurrent() || left > 0) {
+            lookAt(*list);
+            if (left > 0) takeOne();
+            const auto rest = std::make_shared<LargestFiles>(list);
+            while (!rest->step(*rc::gen::inRange<std::size_t>(1, 30))) {
+                if (left > 0 && --left % 2 == 0) takeOne();
+                lookAt(*list);
+            }
+            left -= left > 0 ? 1U : 0U;
+            RC_ASSERT(rest->isOnlyLess());
+            list = rest;
+        }
+        const std::vector<FileNode*> plain = plainList(random.tree.root(), wish);
+        std::uint64_t bytes = 0;
+        std::uint64_t biggest = 0;
+        for (const FileNode* const file : plain) {
+            bytes += file->size();
+            biggest = std::max(biggest, file->size());
+        }
+        RC_ASSERT(list->count() == plain.size());
+        RC_ASSERT(list->bytes() == bytes && list->biggest() == biggest);
+        const auto rows = list->first(plain.size());
+        for (std::size_t i = 0; i < plain.size(); ++i) RC_ASSERT(rows[i].node == plain[i]);
+        const FoundEntry entry{.name = "more", .type = FileType::Regular};
+        static_cast<void>(random.tree.add(random.tree.root(), {&entry, 1}));
+        RC_ASSERT_FALSE(list->isOnlyLess());
+    }));
+}
+
+TEST(LargestFiles, OneDiskThatHangsKeepsNothingOfTheOthers) {
+    struct Gate {
+        std::mutex mutex;
+        std::condition_variable opened;
+        bool isOpen = false;
+    };
+    const auto gate = std::make_shared<Gate>();
+    std::vector<std::string> places{"kept", "hangs", "silent"};
+    places.resize(40, "kept");
+    const OpeningInquiry inquiry(places, [gate](const std::string& place) {
+        std::unique_lock lock(gate->mutex);
+        gate->opened.wait(lock, [&] { return place != "hangs" || gate->isOpen; });
+        return place == "kept";
+    });
+    using enum OpeningNotes;
+    std::vector<OpeningNotes> wanted(40, Kept);
+    wanted[1] = Unanswered;
+    wanted[2] = NotKept;
+    std::vector<OpeningNotes> told;
+    for (int tries = 0; tries < 1000 && told != wanted; ++tries)
+        told = inquiry.wait(std::chrono::milliseconds(10));
+    EXPECT_EQ(told, wanted);
+    {
+        const std::lock_guard lock(gate->mutex);
+        gate->isOpen = true;
+    }
+    gate->opened.notify_all();
+    wanted[1] = NotKept;
+    EXPECT_EQ(inquiry.wait(std::chrono::minutes(1)), wanted) << "and it is told when it comes";
 }
 
 // More of one size than are compared one by one, with names that differ late.
@@ -189,20 +291,22 @@ TEST(LargestFiles, AgesAreReadAsTheyAreTyped) {
                  {"-1d", {}},       {"1.5y", {}},      {"9999999999y", {}}, {"1h", {}}};
     for (const auto& [text, seconds] : cases) EXPECT_EQ(parseAge(text), seconds) << text;
     EXPECT_EQ(lastSecondOf(day, 10 * day), 9 * day);
-    EXPECT_EQ(lastSecondOf(100 * day, 10 * day), 1U);  // only what is older than all times
+    EXPECT_EQ(lastSecondOf(100 * day, 10 * day), FileNode::before1970);
 }
 
-// Before 1970, without a time, in the future, after 2106; read before and after it was written.
+// Before 1970, right then, in the future, after 2106; read before and after it was written; on a
+// disk that tells no time of opening.
 TEST(LargestFiles, TimesAreThoseOfTheDisk) {
     const struct {
         const char* name;
         std::int64_t accessed, modified;
-        std::uint32_t opened, written;
+        std::optional<std::int64_t> opened, written;
     } cases[] = {{"usual", 3'000, 2'000, 3'000, 2'000},
                  {"written", 2'000, 3'000, 3'000, 3'000},
-                 {"early", -5, -5, 1, 1},
-                 {"none", 0, 0, 0, 0},
-                 {"late", 5'000'000'000, 5'000'000'000, UINT32_MAX, UINT32_MAX}};
+                 {"early", -5, -5, FileNode::before1970, FileNode::before1970},
+                 {"first", 0, 0, 0, 0},
+                 {"none", 0, 4'000, {}, 4'000},
+                 {"late", 5'000'000'000, 5'000'000'000, UINT32_MAX - 2LL, UINT32_MAX - 2LL}};
     TestTree disk("/dev/shm");
     for (const auto& each : cases) {
         ASSERT_TRUE(disk.write(each.name, "x"));
@@ -217,7 +321,10 @@ TEST(LargestFiles, TimesAreThoseOfTheDisk) {
         EXPECT_EQ(node.lastOpened(), each.opened) << each.name;
         EXPECT_EQ(node.lastWritten(), each.written) << each.name;
     }
-    EXPECT_EQ(testing::nodeAt(*run.tree, "folder")->lastWritten(), 0U);
+    EXPECT_FALSE(testing::nodeAt(*run.tree, "folder")->lastWritten());
+    FileNodeTree tree("/r");
+    const FoundEntry entry{.name = "could not be looked at"};
+    EXPECT_FALSE(tree.add(tree.root(), {&entry, 1}).front()->lastWritten());
 }
 
 // A mount within the folder that keeps no times of opening, whatever the folder around it does.
@@ -233,7 +340,8 @@ TEST(LargestFiles, KnowWhereOpeningLeavesNoTime) {
             return "skip: no remount";
         testing::ScanRun run(files, "/mnt");
         LargestFiles list(*run.tree,
-                          {.openedBy = UINT32_MAX, .keepsOpening = keepsOpeningOf(*run.tree)});
+                          {.openedBy = UINT32_MAX,
+                           .openings = OpeningInquiry(*run.tree).wait(std::chrono::minutes(1))});
         list.finish();
         std::string listed;
         for (const auto& row : list.first(list.count())) listed += row.node->path() + ' ';

@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QTest>
+#include <atomic>
 
 #include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/lists/RowDelegate.h"
@@ -183,6 +184,26 @@ TEST_F(LargestList, WhatGoesLeavesItAndWhatChangedStaysOnTheDisk) {
     else qputenv("XDG_DATA_HOME", dataBefore);
 }
 
+// One after the other, while the removal stands before the next.
+TEST_F(LargestList, RowsLeaveAsTheyGo) {
+    show(1);
+    for (const char* const name : {"lake.png", "old.png", "movie.mkv"}) tick(name);
+    std::atomic<int> steps = 0;
+    const auto passing = on.window.files.beforeRemoval;
+    on.window.files.beforeRemoval = [&](const char* operation) {
+        if (std::string_view(operation) == "removeEntry" && ++steps > 1) passing(operation);
+    };
+    EXPECT_TRUE(on.remove([&](QWidget& /*window*/) {
+        EXPECT_TRUE(comes(4)) << list();
+        EXPECT_EQ(testing::namesIn(on.tree.at("f")).size() +
+                      testing::namesIn(on.tree.at("f/photos")).size() +
+                      testing::namesIn(on.tree.at("f/photos/new")).size(),
+                  6);
+    }));
+    EXPECT_TRUE(comes(2));
+    on.window.files.beforeRemoval = passing;
+}
+
 TEST_F(LargestList, SaysWhatGoesBeforeItGoes) {
     const auto asked = [&] {
         on.dialogs.willAnswer(1);
@@ -207,6 +228,19 @@ TEST_F(LargestList, SaysWhatGoesBeforeItGoes) {
     EXPECT_EQ(asked(),
               "2 files, 5.00 MB, go for good.\n1 of the files has other names, and frees nothing "
               "while one of them is left.");
+}
+
+TEST_F(LargestList, OneOfSeveralNamesSaysThatItFreesNothingAlone) {
+    ASSERT_TRUE(on.tree.hardLink("f/movie.mkv", "f/photos/again.mkv") && on.scan(on.tree.at("f")));
+    on.control<SegmentedControl>("viewSwitch").segment(1)->click();
+    EXPECT_TRUE(comes(6));
+    const QModelIndex movie = file("movie.mkv");
+    const auto names =
+        QStringLiteral("One of 2 names of one file; its space is free when all are gone");
+    for (const int column : {int(LargestFilesModel::Name), int(LargestFilesModel::Size)})
+        EXPECT_TRUE(movie.siblingAtColumn(column).data(Qt::ToolTipRole).toString().contains(names))
+            << column;
+    EXPECT_FALSE(file("lake.png").data(Qt::ToolTipRole).toString().contains(names));
 }
 
 }  // namespace

@@ -52,8 +52,10 @@ TEST_F(LargeFilePage, ShowsTheBiggestFirstAndRemovesWhatIsTicked) {
     EXPECT_FALSE(on.isShown("stopScanButton") || on.isShown("progressLabel") ||
                  on.isEnabled("deleteButton"));
     const QModelIndex notes = on.row("notes.txt").siblingAtColumn(FileNodeModel::Size);
-    EXPECT_TRUE(
-        notes.data(Qt::ToolTipRole).toString().endsWith(QStringLiteral("\nshared by 2 names")));
+    EXPECT_TRUE(notes.data(Qt::ToolTipRole)
+                    .toString()
+                    .endsWith(QStringLiteral(
+                        "\nOne of 2 names of one file; its space is free when all are gone")));
     EXPECT_EQ(
         on.row("movie.mkv").siblingAtColumn(FileNodeModel::Size).data(Qt::ToolTipRole).toString(),
         QStringLiteral("5.00 MB, 0 byte on disk"));
