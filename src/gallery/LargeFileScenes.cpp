@@ -122,6 +122,7 @@ bool LargeFileScenes::drawRemoval() {
     if (!waitFor("the question",
                  [&] { return sheet() != nullptr && sheet()->content()->y() == 0; }))
         return false;
+    if (!save("question")) return false;
     sheet()->findChild<QAbstractButton*>()->click();  // the first one agrees
     const auto window = [this] {
         return m_window->findChild<QWidget*>(QStringLiteral("progressWindow"));

@@ -87,27 +87,17 @@ bool drawSheet(const PictureFolder& pictures, NotificationCenter& notifications)
 QSet<QString> wantedScenes(const Order& order) {
     if (!order.isDark && !order.isLarge) return {};
     if (order.isDark && !order.isLarge)
-        return {QStringLiteral("first"),
-                QStringLiteral("progress"),
-                QStringLiteral("detail"),
-                QStringLiteral("question"),
-                QStringLiteral("folders"),
-                QStringLiteral("partly"),
-                QStringLiteral("failure"),
-                QStringLiteral("menu"),
-                QStringLiteral("free-space"),
-                QStringLiteral("tray-menu"),
-                QStringLiteral("uninstall"),
-                QStringLiteral("preferences"),
-                QStringLiteral("memory"),
-                QStringLiteral("login-items"),
-                QStringLiteral("computer"),
-                QStringLiteral("pane"),
-                QStringLiteral("changes"),
-                QStringLiteral("map-changes"),
-                QStringLiteral("trash-question"),
-                QStringLiteral("history"),
-                QStringLiteral("plan")};
+        return {QStringLiteral("first"),       QStringLiteral("progress"),
+                QStringLiteral("detail"),      QStringLiteral("question"),
+                QStringLiteral("folders"),     QStringLiteral("list"),
+                QStringLiteral("partly"),      QStringLiteral("failure"),
+                QStringLiteral("menu"),        QStringLiteral("free-space"),
+                QStringLiteral("tray-menu"),   QStringLiteral("uninstall"),
+                QStringLiteral("preferences"), QStringLiteral("memory"),
+                QStringLiteral("login-items"), QStringLiteral("computer"),
+                QStringLiteral("pane"),        QStringLiteral("changes"),
+                QStringLiteral("map-changes"), QStringLiteral("trash-question"),
+                QStringLiteral("history"),     QStringLiteral("plan")};
     return {QStringLiteral("first"), QStringLiteral("detail"), QStringLiteral("pane")};
 }
 
