@@ -4,13 +4,14 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <iterator>
+#include <atomic>
 #include <memory>
 #include <utility>
 
 #include "cli/Output.h"
 #include "cli/RemovalRun.h"
 #include "cli/SearchWatch.h"
+#include "cli/ShareQuestion.h"
 #include "cli/ShareReport.h"
 #include "cli/askYes.h"
 #include "engine/duplicates/DuplicateFilesOpt.h"
@@ -19,20 +20,15 @@
 #include "engine/duplicates/share/ShareDoor.h"
 #include "engine/duplicates/share/ShareList.h"
 #include "engine/duplicates/share/ShareOutlook.h"
-#include "engine/text/UtilityFunction.h"
 #include "platform/linux/ProgramFiles.h"
 
 namespace orrinvale::cli {
 namespace {
 
-constexpr const char* linkMeaning =
-    " What can not share it so becomes another name of the copy that stays: one file, so that a "
-    "change to one is then a change to all.";
-
-ShareAccount shareAccountOf(const ShareList& list) {
+// To what was left out before.
+void addTo(ShareAccount& account, const ShareList& list) {
     using As = ShareList::Settled::As;
     using By = RemovalResult::Shared::By;
-    ShareAccount account;
     account.promised = list.promised();
     for (std::size_t i = 0; i < list.account().size(); ++i) {
         const auto& each = list.account()[i];
@@ -49,27 +45,6 @@ ShareAccount shareAccountOf(const ShareList& list) {
                 account.kept.push_back({list.path(i), "stopped before it was done"});
         }
     }
-    return account;
-}
-
-std::string counted(std::size_t count, std::string_view of) {
-    return fmt::format("{} {}{}", count, of, count == 1 ? "" : "s");
-}
-
-// Folders share nothing, and each is told so in the end.
-bool isShareAgreed(DuplicatePlan plan, bool mayLink) {
-    const std::size_t folders = sumsOf(plan).bundles;
-    for (PlanGroup& group : plan.groups)
-        std::erase_if(group.members, [](const PlanMember& member) {
-            return member.identity.type == FileType::Folder;
-        });
-    const PlanSums sums = sumsOf(plan);
-    if (sums.files == 0) return true;
-    return askYes(fmt::format(
-        "Let {}, {}, share the space of the copies that stay?{}{}", counted(sums.files, "file"),
-        UtilityFunction::convertVolSpace(sums.bytes),
-        folders == 0 ? std::string() : fmt::format(" {} left out.", counted(folders, "folder")),
-        mayLink ? linkMeaning : " Each stays a file of its own."));
 }
 
 // What a search is told is no matter for a plan.
@@ -125,11 +100,43 @@ Status ShareCommand::run(const Arguments& arguments) {
     std::vector<Error> skipped;
     const auto plan = planFor(arguments, skipped);
     if (!plan) return plan.error();
-    if (asks && !isShareAgreed(*plan, arguments.has("link"))) {
+    ShareAccount account;
+    account.skipped = std::move(skipped);
+    account.isDryRun = arguments.has("dry-run");
+    const ShareablePlan shareable = shareableOf(*plan);
+    for (const StayedEntry& each : shareable.folders)
+        account.kept.push_back({each.path, each.reason});
+    if (!asks)
+        return share(arguments, std::make_shared<ShareList>(m_files, shareable.plan), account);
+    const auto outlook = look(arguments, *plan);
+    if (!outlook) return outlook.error();
+    // Nobody agreed to anything: what is told in the end is looked at once more.
+    account.isDryRun = outlook->extents.files + outlook->links.files == 0;
+    if (account.isDryRun) complain("Nothing here can share its space");
+    else if (!askYes(shareQuestion(*outlook))) {
         complain("nothing was changed");
         return Status::Done;
     }
-    return share(arguments, *plan, std::move(skipped));
+    return share(arguments, outlook->list, std::move(account));
+}
+
+tl::expected<ShareOutlook, Status> ShareCommand::look(const Arguments& arguments,
+                                                      const DuplicatePlan& plan) const {
+    ProgressBox progress;
+    std::atomic<bool> stop{false};
+    const SearchWatch watch([&stop] { stop = true; },
+                            [&progress] {
+                                const Progress now = progress.copy();
+                                return fmt::format("{} looked at  {}", now.done,
+                                                   printable(now.current));
+                            },
+                            tellingFor(arguments));
+    auto outlook = lookAtSharing(m_files, ProtectedPlaces::ofThisMachine(m_files, programFiles()),
+                                 plan, arguments.has("link"), progress, stop);
+    const Ending ending = watch.ending();
+    if (ending == Ending::Whole) return outlook;
+    complain("the look was not ended, so that nothing was changed");
+    return tl::unexpected(ending == Ending::Signalled ? Status::Stopped : Status::SomeSkipped);
 }
 
 tl::expected<DuplicatePlan, Status> ShareCommand::planFor(const Arguments& arguments,
@@ -159,10 +166,9 @@ tl::expected<DuplicatePlan, Status> ShareCommand::searched(const Arguments& argu
     return makePlan(search, {request.roots, request.protectedFolders, rules});
 }
 
-Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan,
-                           std::vector<Error> skipped) const {
-    const auto list = std::make_shared<ShareList>(m_files, plan);
-    const bool onlyLooks = arguments.has("dry-run");
+Status ShareCommand::share(const Arguments& arguments, const std::shared_ptr<ShareList>& list,
+                           ShareAccount account) const {
+    const bool onlyLooks = account.isDryRun;
     const ShareDoor::Order order = shareOrder(list, arguments.has("link"), onlyLooks);
     if (!onlyLooks) list->measureGain();
     const auto makeDoor = [&] {
@@ -170,9 +176,7 @@ Status ShareCommand::share(const Arguments& arguments, const DuplicatePlan& plan
             m_files, ProtectedPlaces::ofThisMachine(m_files, programFiles()), order);
     };
     const Ending ending = runRemoval(m_files, list, makeDoor, tellingFor(arguments)).ending;
-    ShareAccount account = shareAccountOf(*list);
-    account.skipped = std::move(skipped);
-    account.isDryRun = onlyLooks;
+    addTo(account, *list);
     account.stopped = ending != Ending::Whole;
     account.gained = list->gained();
 

@@ -1,15 +1,19 @@
 // orrinvale-cli share: copies give their bytes up for those of the copy that stays; nothing goes.
 #pragma once
 
+#include <memory>
 #include <tl/expected.hpp>
 #include <vector>
 
 #include "cli/Command.h"
 #include "cli/DuplicatesCommand.h"
+#include "cli/ShareReport.h"
 
 namespace orrinvale {
 struct DuplicatePlan;
-}
+struct ShareOutlook;
+class ShareList;
+}  // namespace orrinvale
 
 namespace orrinvale::cli {
 
@@ -31,8 +35,10 @@ private:
                                                               std::vector<Error>& skipped) const;
     [[nodiscard]] tl::expected<DuplicatePlan, Status> searched(const Arguments& arguments,
                                                                std::vector<Error>& skipped) const;
-    [[nodiscard]] Status share(const Arguments& arguments, const DuplicatePlan& plan,
-                               std::vector<Error> skipped) const;
+    [[nodiscard]] tl::expected<ShareOutlook, Status> look(const Arguments& arguments,
+                                                          const DuplicatePlan& plan) const;
+    [[nodiscard]] Status share(const Arguments& arguments, const std::shared_ptr<ShareList>& list,
+                               ShareAccount account) const;
 
     const FileSystem& m_files;
     const DuplicatesCommand m_duplicates;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "platform/fileTypes.h"
@@ -43,9 +44,16 @@ struct FileBelongings {
     bool isFixed = false;     ///< nobody may change or remove it
     std::uint32_t flags = 0;  ///< FS_IOC_GETFLAGS: of copying on write, verity, encryption ...
     std::map<std::string, std::string> attributes = {};  ///< extended ones; ACLs are among them
-    friend bool operator==(const FileBelongings&, const FileBelongings&) = default;
+    friend auto operator<=>(const FileBelongings&, const FileBelongings&) = default;
 };
 [[nodiscard]] SysResult<FileBelongings> belongingsOf(int file);
+
+/// Whether what is written to such a file comes into its old place, on file systems that else write
+/// to a new one. Two that share extents are alike in that.
+[[nodiscard]] bool isWrittenInPlace(int file);
+
+/// How many names the file system allows a file; nothing where no such limit is known.
+[[nodiscard]] std::optional<std::uint32_t> mostNamesOf(int file);
 
 /// Gives an open file a further name, never over anything: EEXIST. EMLINK at the limit of the file
 /// system, EXDEV through another mount.

@@ -78,10 +78,22 @@ TEST(ShareCommand, AsksAndTakesNoForAnAnswer) {
         return run.run();
     };
     const auto no = answered("n\n");
-    EXPECT_THAT(no.error, HasSubstr("a change to one is then a change to all. [y/N]"));
+    // In the words of the window, after the same look.
+    EXPECT_THAT(no.error,
+                HasSubstr("2 files, up to 24.58 KB, by hard links alone: they become other names "
+                          "of the copies that stay. That is one file then, and a change to one is "
+                          "a change to all.\n1 keeps its own space.\n  1: owner, group, rights or "
+                          "extended attributes are not those of the copy that stays\nShare the "
+                          "space of the copies that stay? [y/N] "));
     EXPECT_EQ(scene.names(), 1U);
     EXPECT_EQ(answered("y\n").status, 1);
     EXPECT_EQ(scene.names(), 3U);
+    auto none = scene.run({data});
+    none.inputTerminal = true;
+    const auto nothing = none.run();
+    EXPECT_EQ(nothing.status, 1);
+    EXPECT_THAT(nothing.error,
+                AllOf(HasSubstr("Nothing here can share its space"), Not(HasSubstr("[y/N]"))));
     const std::vector<std::pair<std::vector<std::string>, int>> refused{
         {{"--link", data}, 2},
         {{"--yes"}, 2},

@@ -212,6 +212,19 @@ SysResult<FileBelongings> belongingsOf(int file) {
     return found;
 }
 
+bool isWrittenInPlace(int file) { return (flagsOf(file) & FS_NOCOW_FL) != 0; }
+
+// pathconf(3) answers its own guess for most of them.
+std::optional<std::uint32_t> mostNamesOf(int file) {
+    constexpr std::uint32_t ofExt4 = 65000;
+    constexpr std::uint32_t ofBtrfs = 65535;
+    struct statfs system {};
+    if (::fstatfs(file, &system) != 0) return std::nullopt;
+    if (system.f_type == EXT4_SUPER_MAGIC) return ofExt4;
+    if (system.f_type == BTRFS_SUPER_MAGIC) return ofBtrfs;
+    return std::nullopt;
+}
+
 // A link by an empty name takes a right that ordinary users do not have.
 SysResult<void> linkOpenFile(int file, int folder, const char* name) {
     const std::string link = fmt::format("/proc/self/fd/{}", file);

@@ -46,7 +46,7 @@ void ShareErrand::look(QWidget& window, DuplicatePlan plan, std::function<void(O
     const auto worker = runAside(
         this, "shareOutlook",
         [files = m_services.files, plan = std::move(plan), progress = m_progress, stop = m_stop] {
-            return lookAtSharing(*files, QnAuthorization::protectedPlaces(), plan, *progress,
+            return lookAtSharing(*files, QnAuthorization::protectedPlaces(), plan, true, *progress,
                                  *stop);
         },
         [this, stop = m_stop](ShareOutlook outlook) {

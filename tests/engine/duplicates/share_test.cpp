@@ -2,11 +2,9 @@
 // neither a race nor a kill takes a byte.
 #include "engine/duplicates/share/ShareList.h"
 
-#include "engine/duplicates/share/ShareDoor.h"
-#include "engine/removal/PairList.h"
+#include "engine/duplicates/ShareRun.h"
 #include "platform/sharing.h"
 #include "support/DiskImage.h"
-#include "support/realFiles.h"
 
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -15,62 +13,14 @@
 namespace orrinvale {
 namespace {
 
+using testing::mostNames;
+using testing::otherBelongings;
+using testing::otherSystem;
+using testing::promisedAndDone;
+using testing::sharedIn;
+using testing::sharePlan;
+using testing::ShareRun;
 using testing::withImage;
-
-// A plan in whose only group the first file stays.
-DuplicatePlan sharePlan(const Strings& paths) {
-    DuplicatePlan plan;
-    plan.owner = ::geteuid();
-    plan.made = "2026-11-22T15:00:00+00:00";
-    plan.groups.emplace_back();
-    for (const std::string& path : paths) {
-        PlanMember member;
-        member.path = path;
-        member.goes = !plan.groups[0].members.empty();
-        member.identity = EntryIdentity::of(attributesOf(path));
-        member.size = member.identity.size;
-        plan.groups[0].members.push_back(std::move(member));
-    }
-    return plan;
-}
-
-struct ShareRun {
-    bool mayLink = false;
-    bool onlyLooks = false;
-    std::string state = {};
-    std::uint64_t promised = 0;
-
-    // "extents", "link", "already", "gone", or the reason, of each; in the order of the plan.
-    std::string run(const FileSystem& of, const DuplicatePlan& plan) {
-        const auto list = std::make_shared<ShareList>(of, plan);
-        ShareDoor::Order order{nullptr, onlyLooks};
-        if (mayLink)
-            order.objectionToLink = [&](const KeptCopy& kept, std::uint32_t names) {
-                return list->objectionToLink(kept, names);
-            };
-        ShareDoor door(of, {}, order);
-        const std::atomic<bool> never{false};
-        RemovalRun removal(of, state, *list, door, never, testing::nobodyTold());
-        (void)removal.run();
-        removal.settleJournal();
-        promised = list->promised();
-        std::string told;
-        for (const auto& each : list->account()) told += wordFor(each) + "; ";
-        return told;
-    }
-
-    static std::string wordFor(const ShareList::Settled& each) {
-        using As = ShareList::Settled::As;
-        if (each.as == As::GoneByOthers) return "gone";
-        if (each.as != As::Shared) return each.reason;
-        constexpr const char* words[] = {"already", "extents", "link"};
-        return words[static_cast<int>(each.shared.by)];
-    }
-};
-
-std::string sharedIn(const Strings& paths, ShareRun run = {}, const FileSystem& of = files) {
-    return run.run(of, sharePlan(paths));
-}
 
 /// Does something once a number of pieces were shared.
 class HookedPieces final : public ForwardingFiles {
@@ -161,6 +111,31 @@ constexpr const char* extentsTold =
     "the copy that stays is on another file system; "
     "the copy that stays is on another file system; ";
 
+bool setFlag(const std::string& path, int flag, bool isOn) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    int flags = 0;
+    if (::ioctl(file.get(), FS_IOC_GETFLAGS, &flags) != 0) return false;
+    flags = isOn ? flags | flag : flags & ~flag;
+    return ::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) == 0;
+}
+
+// Files that are written in place share with their like alone.
+std::string checkInPlace(TestTree& tree) {
+    Strings paths;
+    for (const char* const name : {"cow", "place/1", "place/2", "place/3"}) {
+        const bool isFirst = paths.size() == 1;
+        if (isFirst && (!tree.folder("place") || !setFlag(tree.at("place"), FS_NOCOW_FL, true)))
+            return "no folder for it";
+        if (!tree.write(name, testing::someBytes(200'000, 8))) return "no file";
+        paths.push_back(tree.at(name));
+    }
+    const std::string told = promisedAndDone(sharePlan(paths), tree.at("state"));
+    return told == "its file system does not let these two have their space in common; extents; "
+                   "extents; "
+               ? ""
+               : "written in place: " + told;
+}
+
 TEST(ShareExtents, OnBtrfs) {
     withImage("mkfs.btrfs -q", "btrfs", [](TestTree& tree) -> std::string {
         const std::string told = checkExtents(tree);
@@ -171,6 +146,7 @@ TEST(ShareExtents, OnBtrfs) {
         if (!tree.write("small", "x") || !tree.write("small2", "x")) return "no file";
         const std::string small = sharedIn({tree.at("small"), tree.at("small2")});
         if (small != "already; ") return "where nothing has a place of its own: " + small;
+        if (auto wrong = checkInPlace(tree); !wrong.empty()) return wrong;
         const std::string copy = testing::someBytes(300'000, 3);
         if (!tree.write("s", copy) || !tree.write("../sub/s", copy)) return "no file";
         // Of one file system, under two device numbers.
@@ -211,14 +187,6 @@ bool setXattr(const std::string& path, const char* value) {
     return ::setxattr(path.c_str(), "user.tag", value, std::strlen(value), 0) == 0;
 }
 
-bool setFlag(const std::string& path, int flag, bool isOn) {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    int flags = 0;
-    if (::ioctl(file.get(), FS_IOC_GETFLAGS, &flags) != 0) return false;
-    flags = isOn ? flags | flag : flags & ~flag;
-    return ::ioctl(file.get(), FS_IOC_SETFLAGS, &flags) == 0;
-}
-
 bool linkMany(TestTree& tree, std::string_view of, int count) {
     if (!tree.folder("names")) return false;
     for (int i = 1; i < count; ++i)
@@ -228,8 +196,6 @@ bool linkMany(TestTree& tree, std::string_view of, int count) {
 }
 
 const std::vector<LinkCase>& linkCases() {
-    constexpr const char* belongings =
-        "owner, group, rights or extended attributes are not those of the copy that stays; ";
     static const std::vector<LinkCase> cases{
         {"plain", [](TestTree&) { return true; }, "link; "},
         {"same attribute",
@@ -245,12 +211,12 @@ const std::vector<LinkCase>& linkCases() {
          },
          "already; "},
         {"owner", [](TestTree& tree) { return ::chown(tree.at("owner/b").c_str(), 65534, 0) == 0; },
-         belongings},
-        {"mode", [](TestTree& tree) { return tree.setMode("mode/b", 0600); }, belongings},
+         otherBelongings},
+        {"mode", [](TestTree& tree) { return tree.setMode("mode/b", 0600); }, otherBelongings},
         {"attribute", [](TestTree& tree) { return setXattr(tree.at("attribute/b"), "2"); },
-         belongings},
+         otherBelongings},
         {"flag", [](TestTree& tree) { return setFlag(tree.at("flag/b"), FS_NODUMP_FL, true); },
-         belongings},
+         otherBelongings},
         {"sticky",
          [](TestTree& tree) { return tree.setMode("sticky", 01777) && tree.giveAway({"sticky"}); },
          "anybody may put files into the folder that it is in; "},
@@ -259,8 +225,7 @@ const std::vector<LinkCase>& linkCases() {
          "it is marked as not to be changed; "},
         {"differs", [](TestTree& tree) { return tree.write("differs/b", "the same lengtH"); },
          "its contents are not those of the copy that stays; "},
-        {"limit", [](TestTree& tree) { return linkMany(tree, "limit/a", 65000); },
-         "the copy that stays has as many names as its file system allows; "},
+        {"limit", [](TestTree& tree) { return linkMany(tree, "limit/a", 65000); }, mostNames},
     };
     return cases;
 }
@@ -287,10 +252,23 @@ std::string checkLinkCase(TestTree& tree, const LinkCase& each) {
     return {};
 }
 
+// Where the copy that stays is full up the next one becomes the one that gives its bytes.
+std::string checkManyNames(TestTree& tree) {
+    Strings paths{tree.at("limit/a")};
+    if (::unlink(tree.at("names/1").c_str()) != 0) return "no name less";
+    for (const char* const name : {"limit/p", "limit/q", "limit/r"}) {
+        if (!tree.write(name, "the same length")) return "no file";
+        paths.push_back(tree.at(name));
+    }
+    const std::string told = promisedAndDone(sharePlan(paths), tree.at("state"));
+    return told == std::string("link; ") + mostNames + "link; " ? "" : "the last name: " + told;
+}
+
 TEST(ShareLinks, OnlyWhereNothingElseDiffersAndNeverOverAnything) {
     withImage("mkfs.ext4 -q -m 0", "ext4", [](TestTree& tree) -> std::string {
         for (const LinkCase& each : linkCases())
             if (auto wrong = checkLinkCase(tree, each); !wrong.empty()) return wrong;
+        if (auto wrong = checkManyNames(tree); !wrong.empty()) return wrong;
         if (!tree.write("s/a", "x") || !tree.symlink("a", "s/b")) return "no link";
         const std::string link = sharedIn({tree.at("s/a"), tree.at("s/b")}, {.mayLink = true});
         if (link != "only files can have their space in common; ") return "over a link: " + link;
@@ -299,7 +277,6 @@ TEST(ShareLinks, OnlyWhereNothingElseDiffersAndNeverOverAnything) {
             if (!other.write("b", "x")) return std::string("no file");
             return sharedIn({tree.at("s/a"), other.at("b")}, {.mayLink = true});
         };
-        const std::string otherSystem = "the copy that stays is on another file system; ";
         const std::string two = twoSystems("/dev/shm");
         if (two != otherSystem) return two;
         // A disk and its copy: all is in the same places.
@@ -345,7 +322,8 @@ TEST(ShareLinks, NeverWithWhatIsProtected) {
         return ShareRun{.mayLink = true, .state = tree.at("state")}.run(files, plan);
     };
     const std::string hasNames = "the copy that stays has further names, which may be protected; ";
-    EXPECT_EQ(told("a2"), hasNames + hasNames);
+    EXPECT_EQ(told("a2"), hasNames + "link; ") << "the first gives its bytes to the second";
+    EXPECT_EQ(attributesOf(tree.at("a2")).links, 2U);
     ASSERT_TRUE(tree.write("d", "same"));
     EXPECT_EQ(told("d"), "link; link; ");
 }

@@ -9,7 +9,9 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/duplicates/share/ShareGivers.h"
 #include "engine/duplicates/share/SharePair.h"
+#include "engine/duplicates/share/shareContents.h"
 #include "engine/files/ProtectedPlaces.h"
 #include "engine/removal/RemovalDoor.h"
 
@@ -27,9 +29,18 @@ public:
         std::function<std::string_view(const KeptCopy&, std::uint32_t names)> objectionToLink =
             nullptr;
         bool onlyLooks = false;  ///< tells what would become of each, and touches nothing
+        /// The group of the copy whose turn it is; nullptr: none but the copy that stays gives.
+        std::function<ShareGroup()> group = nullptr;
+        /// Told of a copy that stays, or keeps its own bytes, whose time of change is another one
+        /// since a link to it was taken back. May be empty.
+        std::function<void(const RemovalResult::Shared&)> takenBack = nullptr;
     };
     ShareDoor(const FileSystem& files, ProtectedPlaces places, Order order)
-        : m_files(files), m_places(std::move(places)), m_order(std::move(order)), m_ground(files) {}
+        : m_files(files),
+          m_places(std::move(places)),
+          m_order(std::move(order)),
+          m_ground(files),
+          m_givers(files) {}
 
     [[nodiscard]] bool setsAside() const override {
         return m_order.objectionToLink != nullptr && !m_order.onlyLooks;
@@ -42,15 +53,28 @@ public:
                                        const std::atomic<bool>& stop) override;
 
 private:
-    [[nodiscard]] RemovalResult share(const LeavingEntry& entry, const std::atomic<bool>& stop);
-    [[nodiscard]] std::optional<RemovalResult> shareExtents(const SharePair& pair,
-                                                            const std::atomic<bool>& stop,
-                                                            StayedEntry& why);
-    [[nodiscard]] SysResult<void> wouldShareExtents(const SharePair& pair) const;
+    struct Attempt {
+        RemovalResult result;
+        bool isOfThese = false;  ///< PairObjection::isOfThese
+    };
+    struct Ways {
+        bool extents = true;
+        bool link = true;
+    };
+    [[nodiscard]] RemovalResult share(LeavingEntry entry, const std::atomic<bool>& stop);
+    [[nodiscard]] Attempt shareWithGivers(LeavingEntry& entry, const std::atomic<bool>& stop);
+    [[nodiscard]] std::optional<ShareGivers::Kind> kindOf(const LeavingEntry& entry);
+    [[nodiscard]] Attempt attempt(LeavingEntry& entry, CopyLook& look, Ways ways,
+                                  const std::atomic<bool>& stop);
+    [[nodiscard]] bool isOneSpace(const SharePair& pair);
+    [[nodiscard]] Attempt shareExtents(const SharePair& pair, const std::atomic<bool>& stop);
+    [[nodiscard]] SysResult<ShareEnd> stretchesOf(const SharePair& pair,
+                                                  const std::atomic<bool>& stop);
     [[nodiscard]] std::uint32_t nameLooked(const SharePair& pair);
     [[nodiscard]] int writeOut(const SharePair& pair);
-    [[nodiscard]] RemovalResult link(const SharePair& pair, const LeavingEntry& entry,
-                                     const std::atomic<bool>& stop);
+    [[nodiscard]] Attempt link(const SharePair& pair, const LeavingEntry& entry, CopyLook& look,
+                               const std::atomic<bool>& stop);
+    void learn(const SharePair& pair, const LinkEnd& end);
 
     const FileSystem& m_files;
     const ProtectedPlaces m_places;
@@ -61,6 +85,9 @@ private:
     std::set<std::uint64_t> m_writtenOut;      // likewise
     std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t>
         m_looked;  // names, by device and inode
+    std::map<std::pair<std::uint64_t, std::uint64_t>, std::uint32_t>
+        m_promised;  // names that a file would get, likewise
+    ShareGivers m_givers;
 };
 
 }  // namespace orrinvale

@@ -6,7 +6,6 @@
 
 #include "engine/base/saturating.h"
 #include "engine/duplicates/share/shareReasons.h"
-#include "platform/freeSpace.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
@@ -29,10 +28,12 @@ PlanGroup groupOf(std::vector<PlanMember> staying, const std::vector<PlanMember>
 // What goes has its bytes in common with the last one that stays: of those on its own disk, if
 // there are any, and with one that is not protected, if there is any. What has none on its disk
 // comes first, since a name that is made later gives what stays another time of change.
-DuplicatePlan nearestLast(const DuplicatePlan& plan) {
+// `numbers` are of the plan's groups, one for each entry that goes.
+DuplicatePlan nearestLast(const DuplicatePlan& plan, std::vector<std::size_t>& numbers) {
     DuplicatePlan arranged = plan;
     arranged.groups.clear();
-    for (const PlanGroup& group : plan.groups) {
+    for (std::size_t number = 0; number < plan.groups.size(); ++number) {
+        const PlanGroup& group = plan.groups[number];
         std::vector<PlanMember> staying;
         std::map<std::uint64_t, std::vector<PlanMember>> going;  // by device
         for (const PlanMember& member : group.members)
@@ -46,6 +47,8 @@ DuplicatePlan nearestLast(const DuplicatePlan& plan) {
                     arranged.groups.push_back(groupOf(staying, onDevice.second, device));
             }
         if (going.empty()) arranged.groups.push_back(group);
+        for (const auto& [device, members] : going)
+            numbers.insert(numbers.end(), members.size(), number);
     }
     return arranged;
 }
@@ -53,24 +56,74 @@ DuplicatePlan nearestLast(const DuplicatePlan& plan) {
 }  // namespace
 
 ShareList::ShareList(const FileSystem& files, const DuplicatePlan& plan)
-    : m_copies(files, nearestLast(plan)), m_hasProtected(!plan.protectedFolders.empty()) {
+    : m_copies(files, nearestLast(plan, m_groups)),
+      m_hasProtected(!plan.protectedFolders.empty()),
+      m_folders(std::make_shared<std::set<std::string>>()) {
     m_account.resize(m_copies.size());
+    learnStaying(files, plan);
     for (const PlanGroup& group : plan.groups)
         for (const PlanMember& member : group.members) {
             ++m_names[{member.identity.device, member.identity.inode}];
-            if (member.goes) m_folders.insert(folderOf(member.path));
+            if (member.goes) m_folders->insert(folderOf(member.path));
             if (member.isProtected)
                 m_protectedFiles.emplace(member.identity.device, member.identity.inode);
         }
 }
 
+// What is protected gives its extents, but no names, and is asked last.
+void ShareList::learnStaying(const FileSystem& files, const DuplicatePlan& plan) {
+    const auto passing = files.devicesOfPassingInodes();
+    for (std::size_t number = 0; number < plan.groups.size(); ++number) {
+        const auto& members = plan.groups[number].members;
+        if (std::ranges::count(members, false, &PlanMember::goes) < 2) continue;
+        std::vector<KeptCopy>& staying = m_staying[number];
+        for (const bool isProtected : {true, false})
+            for (const PlanMember& each : members) {
+                if (each.goes || each.isProtected != isProtected) continue;
+                staying.push_back({each.path, each.identity});
+                staying.back().identity.learnPassing(passing);
+            }
+    }
+}
+
+tl::expected<std::unique_ptr<CopyLook>, StayedEntry> ShareList::judge(std::size_t index) {
+    m_inHand = index;
+    return m_copies.judge(index);
+}
+
+ShareGroup ShareList::groupInHand() const {
+    const std::size_t number = m_groups[m_inHand];
+    const auto staying = m_staying.find(number);
+    return {number, staying == m_staying.end() ? nullptr : &staying->second};
+}
+
+// The rest of the group has to know it too.
+void ShareList::noteTakenBack(const RemovalResult::Shared& touched) {
+    RemovalResult told;
+    told.shared = touched;
+    m_copies.settled(m_inHand, told);
+    m_takenBack.push_back(touched);
+}
+
+void ShareList::measureGain(std::chrono::milliseconds patience, FreeSpaceLook::Ask ask) {
+    m_patience = patience;
+    m_ask = std::move(ask);
+}
+
 void ShareList::turnHasCome() {
     m_copies.turnHasCome();
-    if (m_isMeasured) m_freeBefore = freeSpaceBehind(m_folders);
+    if (m_ask) m_freeBefore = measured();
+}
+
+std::optional<std::int64_t> ShareList::measured() const {
+    m_isMeasuring = true;
+    const auto free = FreeSpaceLook(m_folders, m_ask).wait(m_patience, m_isGainUnwanted);
+    m_isMeasuring = false;
+    return free;
 }
 
 std::optional<std::int64_t> ShareList::gained() const {
-    const auto free = m_freeBefore ? freeSpaceBehind(m_folders) : std::nullopt;
+    const auto free = m_freeBefore ? measured() : std::nullopt;
     return free ? std::optional(*free - *m_freeBefore) : std::nullopt;
 }
 
@@ -109,20 +162,6 @@ void ShareList::settled(std::size_t index, const RemovalResult& result) {
     }
     account.changed = result.changed;
     m_copies.settled(index, result);
-}
-
-std::optional<std::int64_t> freeSpaceBehind(const std::set<std::string>& folders) {
-    std::map<std::string, std::uint64_t> spaces;
-    for (const std::string& folder : folders) {
-        const auto [place, isNew] = spaces.try_emplace(spaceOf(folder));
-        if (!isNew) continue;
-        const auto free = settledFreeSpace(folder);
-        if (!free) return std::nullopt;
-        place->second = *free;
-    }
-    std::int64_t sum = 0;
-    for (const auto& [space, free] : spaces) sum += static_cast<std::int64_t>(free);
-    return sum;
 }
 
 }  // namespace orrinvale

@@ -2,6 +2,8 @@
 // takes gives its bytes up for those of the copy that stays. ShareDoor.h does it.
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -13,6 +15,8 @@
 #include <vector>
 
 #include "engine/duplicates/plan/PlanRemoval.h"
+#include "engine/duplicates/share/FreeSpaceLook.h"
+#include "engine/duplicates/share/ShareGivers.h"
 
 namespace orrinvale {
 
@@ -36,10 +40,13 @@ public:
     }
     [[nodiscard]] bool isCopy(std::size_t index) const override { return m_copies.isCopy(index); }
     [[nodiscard]] tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
-        std::size_t index) override {
-        return m_copies.judge(index);
-    }
+        std::size_t index) override;
     void settled(std::size_t index, const RemovalResult& result) override;
+
+    /// That of the copy which was judged last. On the removing thread, as the next two.
+    [[nodiscard]] ShareGroup groupInHand() const;
+    /// What ShareDoor::Order::takenBack tells.
+    void noteTakenBack(const RemovalResult::Shared& touched);
 
     /// Why no file may become another name of this copy, which has so many names now: one of them
     /// is protected, or may be. Empty where one may. Once the turn has come, on the removing
@@ -55,32 +62,49 @@ public:
         std::optional<std::int64_t> changed = std::nullopt;  ///< RemovalResult::changed
     };
     [[nodiscard]] const std::vector<Settled>& account() const { return m_account; }
+    /// The copies to which a link was taken back, with the time of change that this gave them.
+    [[nodiscard]] const std::vector<RemovalResult::Shared>& takenBack() const {
+        return m_takenBack;
+    }
     /// What the entries had on the disk for themselves, and give back at the most.
     [[nodiscard]] std::uint64_t promised() const { return m_promised; }
 
-    /// Before the job: has the removing thread ask what is free when the turn has come.
-    void measureGain() { m_isMeasured = true; }
+    static constexpr std::chrono::seconds longestMeasuring{10};
+    /// Before the job: has the removing thread ask what is free when the turn has come, and wait so
+    /// long for the answer.
+    void measureGain(std::chrono::milliseconds patience = longestMeasuring,
+                     FreeSpaceLook::Ask ask = freeSpaceBehind);
     /// By how much the free space grew since then, once the job has ended; nothing where a disk
-    /// does not tell. May wait for slow disks.
+    /// does not tell in time, or after stopMeasuring(). Waits for slow disks, as long again.
     [[nodiscard]] std::optional<std::int64_t> gained() const;
+    /// Any thread.
+    [[nodiscard]] bool isMeasuring() const { return m_isMeasuring; }
+    /// Nobody wants to know any more. Any thread.
+    void stopMeasuring() { m_isGainUnwanted = true; }
 
 private:
     using FileKey = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
     void noteLinked(std::size_t index, const FileKey& kept);
 
+    void learnStaying(const FileSystem& files, const DuplicatePlan& plan);
+    [[nodiscard]] std::optional<std::int64_t> measured() const;
+
+    std::vector<std::size_t> m_groups;  // of the entries; before the next, which fills it
     PlanRemoval m_copies;
+    std::map<std::size_t, std::vector<KeptCopy>> m_staying;  // where more than one does
+    std::size_t m_inHand = 0;
+    std::vector<RemovalResult::Shared> m_takenBack;
     bool m_hasProtected;  // folders
     std::set<FileKey> m_protectedFiles;
     std::map<FileKey, std::uint32_t> m_names;  // that the plan knows, and that were made since
-    std::set<std::string> m_folders;           // of what goes
-    bool m_isMeasured = false;
+    std::shared_ptr<std::set<std::string>> m_folders;  // of what goes
+    FreeSpaceLook::Ask m_ask = nullptr;                // empty: nobody does
+    std::chrono::milliseconds m_patience{0};
+    mutable std::atomic<bool> m_isMeasuring{false};
+    std::atomic<bool> m_isGainUnwanted{false};
     std::optional<std::int64_t> m_freeBefore;
     std::vector<Settled> m_account;
     std::uint64_t m_promised = 0;
 };
-
-/// Bytes that are free on the file systems of the folders, once these have written what waits; each
-/// file system counts once. Nothing where one does not tell. May wait for slow disks.
-[[nodiscard]] std::optional<std::int64_t> freeSpaceBehind(const std::set<std::string>& folders);
 
 }  // namespace orrinvale

@@ -4,21 +4,20 @@
 #include <utility>
 
 #include "engine/duplicates/plan/planOfTicks.h"
+#include "engine/duplicates/share/shareReasons.h"
 #include "engine/removal/RemovalRun.h"
 
 namespace orrinvale {
 namespace {
 
 // They stay in the plan, since what lies in a folder that stays is left alone.
-std::size_t keepFolders(DuplicatePlan& plan) {
-    std::size_t count = 0;
-    for (PlanGroup& group : plan.groups)
+void keepFolders(ShareablePlan& shareable) {
+    for (PlanGroup& group : shareable.plan.groups)
         for (PlanMember& member : group.members)
             if (member.goes && member.identity.type == FileType::Folder) {
                 member.goes = false;
-                ++count;
+                shareable.folders.push_back({member.path, std::string(share::noFile)});
             }
-    return count;
 }
 
 void addTo(ShareOutlook& outlook, const std::string& path, const ShareList::Settled& each) {
@@ -37,14 +36,23 @@ void addTo(ShareOutlook& outlook, const std::string& path, const ShareList::Sett
 
 }  // namespace
 
+ShareablePlan shareableOf(DuplicatePlan plan) {
+    ShareablePlan shareable{std::move(plan)};
+    const LeftOutOfPlan left = takeOutUnplannable(shareable.plan);
+    shareable.wholeGroups = left.groups;
+    shareable.links = left.links;
+    keepFolders(shareable);
+    return shareable;
+}
+
 ShareOutlook lookAtSharing(const FileSystem& files, ProtectedPlaces places, DuplicatePlan plan,
-                           ProgressBox& progress, const std::atomic<bool>& stop) {
+                           bool mayLink, ProgressBox& progress, const std::atomic<bool>& stop) {
     ShareOutlook outlook;
-    const LeftOutOfPlan left = takeOutUnplannable(plan);
-    outlook.wholeGroups = left.groups;
-    outlook.noFiles = left.links + keepFolders(plan);
-    const auto looked = std::make_shared<ShareList>(files, plan);
-    ShareDoor door(files, std::move(places), shareOrder(looked, true, true));
+    const ShareablePlan shareable = shareableOf(std::move(plan));
+    outlook.wholeGroups = shareable.wholeGroups;
+    outlook.noFiles = shareable.links + shareable.folders.size();
+    const auto looked = std::make_shared<ShareList>(files, shareable.plan);
+    ShareDoor door(files, std::move(places), shareOrder(looked, mayLink, true));
     RemovalRun run(files, {}, *looked, door, stop,
                    {[](bool /*isWaiting*/) {},
                     [&](std::size_t index, const std::string& path, bool /*isFolder*/) {
@@ -55,13 +63,17 @@ ShareOutlook lookAtSharing(const FileSystem& files, ProtectedPlaces places, Dupl
     (void)run.run();
     for (std::size_t i = 0; i < looked->account().size(); ++i)
         addTo(outlook, looked->path(i), looked->account()[i]);
-    outlook.list = std::make_shared<ShareList>(files, plan);
+    outlook.list = std::make_shared<ShareList>(files, shareable.plan);
     return outlook;
 }
 
 ShareDoor::Order shareOrder(const std::shared_ptr<ShareList>& list, bool mayLink, bool onlyLooks) {
     ShareDoor::Order order;
     order.onlyLooks = onlyLooks;
+    order.group = [list] { return list->groupInHand(); };
+    order.takenBack = [list](const RemovalResult::Shared& touched) {
+        list->noteTakenBack(touched);
+    };
     if (mayLink)
         order.objectionToLink = [list](const KeptCopy& kept, std::uint32_t names) {
             return list->objectionToLink(kept, names);

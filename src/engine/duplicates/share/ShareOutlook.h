@@ -29,10 +29,19 @@ struct ShareOutlook {
     std::shared_ptr<ShareList> list = nullptr;  ///< the plan, for the job that does it
 };
 
-/// Changes nothing and reads no contents: those are compared when it is done. Up to a stop. May
-/// wait for slow disks; any thread.
+/// What of a plan can share at all. Folders and symbolic links are taken out, and groups of which
+/// no copy stays.
+struct ShareablePlan {
+    DuplicatePlan plan;
+    std::vector<StayedEntry> folders = {};  ///< that were taken out, with the reason
+    std::size_t links = 0, wholeGroups = 0;
+};
+[[nodiscard]] ShareablePlan shareableOf(DuplicatePlan plan);
+
+/// By hard links too where that is asked for. Changes nothing and reads no contents: those are
+/// compared when it is done. Up to a stop. May wait for slow disks; any thread.
 [[nodiscard]] ShareOutlook lookAtSharing(const FileSystem& files, ProtectedPlaces places,
-                                         DuplicatePlan plan, ProgressBox& progress,
+                                         DuplicatePlan plan, bool mayLink, ProgressBox& progress,
                                          const std::atomic<bool>& stop);
 
 /// What a door for this list is told.

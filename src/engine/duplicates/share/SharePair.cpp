@@ -33,12 +33,17 @@ SysResult<Descriptor> openStaying(const FileSystem& files, const std::string& pa
                           state);
 }
 
-StayedEntry failedLink(const HeldEntry& held, int error) {
+PairObjection ofThese(StayedEntry why) { return {std::move(why), true}; }
+PairObjection ofCopy(StayedEntry why) { return {std::move(why), false}; }
+
+PairObjection failedLink(const HeldEntry& held, int error) {
     switch (error) {
-        case EMLINK: return keptAsItIs(held, share::mostNames, StayReason::System);
-        case EXDEV: return keptAsItIs(held, share::otherFileSystem, StayReason::System);
-        case EEXIST: return keptAsItIs(held, stay::otherInPlace, StayReason::Changed);
-        default: return {held.path, systemError("link", {}, error).reason(), stayReasonOf(error)};
+        case EMLINK: return ofThese(keptAsItIs(held, share::mostNames, StayReason::System));
+        case EXDEV: return ofThese(keptAsItIs(held, share::otherFileSystem, StayReason::System));
+        case EEXIST: return ofCopy(keptAsItIs(held, stay::otherInPlace, StayReason::Changed));
+        default:
+            return ofCopy(
+                {held.path, systemError("link", {}, error).reason(), stayReasonOf(error)});
     }
 }
 
@@ -51,22 +56,45 @@ bool hasTakenName(const FileSystem& files, const SharePair& pair) {
            kept->size == pair.keptNow.size && kept->modified == pair.keptNow.modified;
 }
 
+struct Unlinked {
+    PairObjection objection;
+    bool wasLinked = false;  // for a moment, which gave what stays another time of change
+};
+
 // From here on the entry is aside. Nothing where the link has its name.
-std::optional<StayedEntry> linkOverAside(const FileSystem& files, SetAside& aside,
-                                         const SharePair& pair, CopyLook& look) {
-    if (auto reason = aside.objection(pair.kept)) return reason;
-    if (auto reason = look.last(pair.held, aside.name())) return reason;
+std::optional<Unlinked> linkOverAside(const FileSystem& files, SetAside& aside,
+                                      const SharePair& pair, CopyLook& look) {
+    if (auto reason = aside.objection(pair.kept)) {
+        const bool isOfThese = reason->reason == stay::noCopy;
+        return Unlinked{{std::move(*reason), isOfThese}};
+    }
+    if (auto reason = look.last(pair.held, aside.name()))
+        return Unlinked{ofCopy(std::move(*reason))};
     const int folder = pair.held.parent.get();
     const auto linked = linkOpenFile(pair.keptFile.get(), folder, pair.held.name.c_str());
-    if (!linked) return failedLink(pair.held, linked.error());
+    if (!linked) return Unlinked{failedLink(pair.held, linked.error())};
     if (hasTakenName(files, pair)) {
         const auto removed = files.removeEntry(folder, aside.name().c_str(), FileType::Regular);
         if (removed || removed.error() == ENOENT) return std::nullopt;
         (void)takeBackFromLink(files, folder, aside.name(), pair.held.name);
-        return failedLink(pair.held, removed.error());
+        return Unlinked{failedLink(pair.held, removed.error()), true};
     }
     (void)takeBackFromLink(files, folder, aside.name(), pair.held.name);
-    return changedCopy(pair.held);
+    return Unlinked{ofCopy(changedCopy(pair.held)), true};
+}
+
+// The entry gets its own name back.
+LinkEnd unlinkedEnd(const FileSystem& files, SetAside& aside, const SharePair& pair,
+                    Unlinked unlinked) {
+    LinkEnd end{stayedWith(std::move(unlinked.objection.why)), unlinked.objection.isOfThese};
+    if (auto place = aside.putBack()) {
+        end.result.failures.insert(end.result.failures.begin(), std::move(*place));
+        end.isOfThese = false;
+    }
+    end.result.changed = aside.changedByUs(false);
+    const auto kept = files.attributes(pair.keptFile.get());
+    if (unlinked.wasLinked && kept) end.keptChanged = kept->changed;
+    return end;
 }
 
 }  // namespace
@@ -78,25 +106,26 @@ RemovalResult sharedBy(RemovalResult::Shared::By by, const SharePair& pair, std:
     return result;
 }
 
-tl::expected<SharePair, StayedEntry> SharePair::open(const FileSystem& files, HeldEntry held,
-                                                     const std::optional<KeptCopy>& kept) {
-    if (!kept) return tl::unexpected(keptAsItIs(held, stay::noCopy, StayReason::NoCopy));
+tl::expected<SharePair, PairObjection> SharePair::open(const FileSystem& files, HeldEntry held,
+                                                       const std::optional<KeptCopy>& kept) {
+    if (!kept) return tl::unexpected(ofCopy(keptAsItIs(held, stay::noCopy, StayReason::NoCopy)));
     if (held.attributes.type != FileType::Regular || kept->identity.type != FileType::Regular)
-        return tl::unexpected(keptAsItIs(held, share::noFile, StayReason::System));
+        return tl::unexpected(ofCopy(keptAsItIs(held, share::noFile, StayReason::System)));
     ReadState state;
     auto file = files.openFile(held.parent.get(), held.name.c_str(), Links::Keep, state);
     auto keptFile = openStaying(files, kept->path);
     if (!file || !keptFile) {
         const int error = !file ? file.error() : keptFile.error();
         return tl::unexpected(
-            StayedEntry{held.path, systemError("open", {}, error).reason(), stayReasonOf(error)});
+            PairObjection{{held.path, systemError("open", {}, error).reason(), stayReasonOf(error)},
+                          file.has_value()});
     }
     const auto now = files.attributes(file->get());
     const auto keptNow = files.attributes(keptFile->get());
     if (!now || !EntryIdentity::of(held.attributes).isStill(*now))
-        return tl::unexpected(changedCopy(held));
+        return tl::unexpected(ofCopy(changedCopy(held)));
     if (!keptNow || !kept->identity.isStill(*keptNow) || keptNow->size != now->size)
-        return tl::unexpected(keptAsItIs(held, stay::noCopy, StayReason::NoCopy));
+        return tl::unexpected(ofThese(keptAsItIs(held, stay::noCopy, StayReason::NoCopy)));
     held.attributes = *now;
     return SharePair{std::move(held), *kept, std::move(*file), std::move(*keptFile), *keptNow};
 }
@@ -108,48 +137,50 @@ bool SharePair::isUnchanged(const FileSystem& files) const {
            now->size == keptNow.size && now->modified == keptNow.modified;
 }
 
-std::optional<StayedEntry> objectionToLink(RenameGround& ground, const SharePair& pair) {
+std::optional<PairObjection> objectionToLink(RenameGround& ground, const SharePair& pair,
+                                             std::uint32_t names) {
     const HeldEntry& held = pair.held;
     if (held.attributes.device != pair.keptNow.device)
-        return keptAsItIs(held, share::otherFileSystem, StayReason::System);
+        return ofThese(keptAsItIs(held, share::otherFileSystem, StayReason::System));
     if (!ground.inodesLast(held.attributes.device))
-        return keptAsItIs(held, share::notTheseTwo, StayReason::System);
+        return ofCopy(keptAsItIs(held, share::notTheseTwo, StayReason::System));
     if (isOthersCommonFolder(held.parent.get()))
-        return keptAsItIs(held, share::common, StayReason::Protected);
+        return ofCopy(keptAsItIs(held, share::common, StayReason::Protected));
     const auto ours = belongingsOf(pair.file.get());
+    if (!ours) return failedLink(held, ours.error());
     const auto theirs = belongingsOf(pair.keptFile.get());
-    if (!ours || !theirs) return failedLink(held, !ours ? ours.error() : theirs.error());
-    if (ours->isFixed || theirs->isFixed)
-        return keptAsItIs(held, share::fixed, StayReason::Protected);
-    if (*ours != *theirs) return keptAsItIs(held, share::otherBelongings, StayReason::Kept);
+    if (!theirs) return ofThese(failedLink(held, theirs.error()).why);
+    if (ours->isFixed) return ofCopy(keptAsItIs(held, share::fixed, StayReason::Protected));
+    if (theirs->isFixed) return ofThese(keptAsItIs(held, share::fixed, StayReason::Protected));
+    if (*ours != *theirs)
+        return ofThese(keptAsItIs(held, share::otherBelongings, StayReason::Kept));
+    if (names >= mostNamesOf(pair.keptFile.get()).value_or(~std::uint32_t{0}))
+        return failedLink(held, EMLINK);
     return std::nullopt;
 }
 
-RemovalResult linkCopy(const FileSystem& files, RenameGround& ground, const SharePair& pair,
-                       const LeavingEntry& entry, const std::atomic<bool>& stop) {
-    if (auto reason = objectionToLink(ground, pair)) return stayedWith(std::move(*reason));
-    if (auto reason = entry.look->before(pair.held, stop)) return stayedWith(std::move(*reason));
-    RemovalResult result;
-    result.stopped = stop;
-    if (stop) return result;
+LinkEnd linkCopy(const FileSystem& files, RenameGround& ground, const SharePair& pair,
+                 const LeavingEntry& entry, CopyLook& look, const std::atomic<bool>& stop) {
+    if (auto reason = look.before(pair.held, stop)) {
+        const bool isOfThese = reason->reason == stay::copyInUse;
+        return {stayedWith(std::move(*reason)), isOfThese};
+    }
+    LinkEnd end;
+    end.result.stopped = stop;
+    if (stop) return end;
     SetAside aside(files, ground, pair.held);
     const auto taken =
         entry.token.empty() ? tl::expected<bool, StayedEntry>(false) : aside.take(entry.token);
-    if (!taken) return stayedWith(taken.error());
-    if (!*taken) return stayedWith(keptAsItIs(pair.held, share::noAside, StayReason::System));
-    if (auto reason = linkOverAside(files, aside, pair, *entry.look)) {
-        result = stayedWith(std::move(*reason));
-        if (auto place = aside.putBack())
-            result.failures.insert(result.failures.begin(), std::move(*place));
-        result.changed = aside.changedByUs(false);
-        return result;
-    }
+    if (!taken) return {stayedWith(taken.error())};
+    if (!*taken) return {stayedWith(keptAsItIs(pair.held, share::noAside, StayReason::System))};
+    if (auto unlinked = linkOverAside(files, aside, pair, look))
+        return unlinkedEnd(files, aside, pair, std::move(*unlinked));
     const std::uint64_t bytes = pair.held.attributes.links < 2 ? pair.held.attributes.onDisk : 0;
-    result = sharedBy(RemovalResult::Shared::By::HardLink, pair, bytes);
-    result.changed = aside.changedByUs(true);
+    end.result = sharedBy(RemovalResult::Shared::By::HardLink, pair, bytes);
+    end.result.changed = aside.changedByUs(true);
     const auto kept = files.attributes(pair.keptFile.get());
-    if (kept) result.shared->keptChanged = kept->changed;
-    return result;
+    if (kept) end.result.shared->keptChanged = kept->changed;
+    return end;
 }
 
 }  // namespace orrinvale

@@ -1,0 +1,137 @@
+// Copies that share with another one than the copy that stays, links that are taken back, and the
+// figure of what was gained.
+#include "engine/duplicates/share/ShareGivers.h"
+
+#include <future>
+#include <thread>
+
+#include "engine/duplicates/ShareRun.h"
+
+namespace orrinvale {
+namespace {
+
+using testing::otherBelongings;
+using testing::otherSystem;
+using testing::promisedAndDone;
+using testing::sharePlan;
+using testing::ShareRun;
+
+// What can not share with the copy that stays shares with what else can not.
+TEST(ShareLinks, AnotherCopyGivesItsBytesWhereTheOneThatStaysIsOfNoUse) {
+    TestTree tree("/dev/shm");
+    TestTree elsewhere("/tmp");
+    const auto plan = [&](const Strings& here, const Strings& there) {
+        Strings paths;
+        for (const std::string& name : here) {
+            EXPECT_TRUE(tree.write(name, "same"));
+            paths.push_back(tree.at(name));
+        }
+        for (const std::string& name : there) {
+            EXPECT_TRUE(elsewhere.write(name, "same"));
+            paths.push_back(elsewhere.at(name));
+        }
+        return paths;
+    };
+    const std::string state = tree.at("state");
+    const Strings two = plan({"1/a", "1/b", "1/c"}, {"1/x", "1/y", "1/z"});
+    if (attributesOf(two.front()).device == attributesOf(two.back()).device)
+        GTEST_SKIP() << "one disk";
+    EXPECT_EQ(promisedAndDone(sharePlan(two), state),
+              std::string(otherSystem) + "link; link; link; link; ");
+    EXPECT_EQ(attributesOf(two[5]).inode, attributesOf(two[3]).inode);
+
+    const Strings modes = plan({"2/a", "2/b", "2/c", "2/d", "2/e"}, {});
+    for (const char* const name : {"2/b", "2/c", "2/d"}) ASSERT_TRUE(tree.setMode(name, 0600));
+    ASSERT_TRUE(tree.setMode("2/c", 0640));
+    EXPECT_EQ(promisedAndDone(sharePlan(modes), state),
+              std::string(otherBelongings) + otherBelongings + "link; link; ");
+
+    // Of three that stay, none of which changes but for its names; the protected one gives none.
+    const Strings staying = plan({"3/a", "3/kept/a", "3/b", "3/c", "3/d"}, {});
+    for (const char* const name : {"3/b", "3/c"}) ASSERT_TRUE(tree.setMode(name, 0600));
+    DuplicatePlan several = sharePlan(staying);
+    for (const std::size_t i : {1U, 2U}) several.groups[0].members[i].goes = false;
+    several.groups[0].members[1].isProtected = true;
+    several.protectedFolders = {tree.at("3/kept")};
+    EXPECT_EQ(promisedAndDone(several, state), "link; link; ");
+    EXPECT_EQ(attributesOf(staying[3]).inode, attributesOf(staying[2]).inode);
+    EXPECT_EQ(attributesOf(staying[4]).inode, attributesOf(staying[0]).inode);
+    EXPECT_EQ(attributesOf(staying[1]).links, 1U);
+    // Each with contents of its own is compared with what gives its bytes.
+    const Strings others = plan({"4/a"}, {"4/x", "4/y", "4/z"});
+    ASSERT_TRUE(elsewhere.write("4/y", "Same"));
+    EXPECT_EQ(
+        ShareRun({.mayLink = true, .state = state}).run(files, sharePlan(others)),
+        std::string(otherSystem) + "its contents are not those of the copy that stays; link; ");
+    EXPECT_EQ(contentOf(others[2]), "Same");
+}
+
+/// Refuses once to remove what is aside.
+class StuckAside final : public ForwardingFiles {
+public:
+    StuckAside() : ForwardingFiles(files) {}
+    SysResult<void> removeEntry(int folder, const char* name, FileType type) const override {
+        if (!std::exchange(m_isDone, true)) return tl::unexpected(EIO);
+        return ForwardingFiles::removeEntry(folder, name, type);
+    }
+
+private:
+    mutable bool m_isDone = false;
+};
+
+// The link gave what stays another time of change, by which it would count as changed.
+TEST(ShareLinks, ALinkThatWasTakenBackIsKnownOfTheCopyThatStays) {
+    TestTree tree("/dev/shm");
+    for (const char* const name : {"a", "b", "c"}) ASSERT_TRUE(tree.write(name, "same"));
+    ShareRun run{.mayLink = true, .state = tree.at("state")};
+    const StuckAside stuck;
+    EXPECT_EQ(run.run(stuck, sharePlan({tree.at("a"), tree.at("b"), tree.at("c")})),
+              "Input/output error; link; ");
+    EXPECT_EQ(namesIn(tree.path()), (Strings{"a", "b", "c", "state"}));
+    EXPECT_NE(attributesOf(tree.at("b")).inode, attributesOf(tree.at("a")).inode);
+    ASSERT_EQ(run.list->takenBack().size(), 1U);
+    EXPECT_EQ(run.list->takenBack()[0].with, tree.at("a"));
+    EXPECT_TRUE(run.list->takenBack()[0].keptChanged);
+    EXPECT_EQ(run.list->account()[0].changed, attributesOf(tree.at("b")).changed);
+}
+
+// A disk that hangs never tells what is free.
+TEST(ShareGain, NobodyWaitsForeverForTheFigure) {
+    using std::chrono::milliseconds;
+    TestTree tree("/dev/shm");
+    ASSERT_TRUE(tree.write("a", "same") && tree.write("b", "same"));
+    const auto hung = std::make_shared<std::promise<void>>();
+    const auto answers = std::make_shared<std::atomic<int>>(0);
+    const std::shared_future<void> released = hung->get_future();
+    const auto ask = [answers, released](int most) -> FreeSpaceLook::Ask {
+        *answers = most;
+        return [answers, released](const std::set<std::string>&) -> std::optional<std::int64_t> {
+            if ((*answers)-- > 0) return 5;
+            released.wait();
+            return 9;
+        };
+    };
+    const auto listOf = [&](milliseconds patience, int most) {
+        auto list = std::make_shared<ShareList>(files, sharePlan({tree.at("a"), tree.at("b")}));
+        list->measureGain(patience, ask(most));
+        list->prepare();
+        list->turnHasCome();
+        return list;
+    };
+    for (const int before : {0, 1}) {
+        const auto list = listOf(milliseconds(60), before);
+        EXPECT_FALSE(list->isMeasuring());
+        EXPECT_EQ(list->gained(), std::nullopt) << "answers before it hangs: " << before;
+    }
+    const auto list = listOf(std::chrono::hours(1), 1);
+    std::jthread stop([&] {
+        while (!list->isMeasuring()) std::this_thread::sleep_for(milliseconds(1));
+        list->stopMeasuring();
+    });
+    EXPECT_EQ(list->gained(), std::nullopt);
+    EXPECT_EQ(listOf(std::chrono::hours(1), 2)->gained(), 0);
+    hung->set_value();
+}
+
+}  // namespace
+}  // namespace orrinvale
