@@ -6,6 +6,7 @@
 
 #include "engine/base/saturating.h"
 #include "engine/duplicates/share/shareReasons.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace orrinvale {
