@@ -24,7 +24,7 @@ public:
     [[nodiscard]] virtual const std::optional<KeptCopy>& kept() const = 0;
 
     /// Before anything is touched: asks who writes to it, and compares the contents where that is
-    /// wanted. A reason, when the entry stays.
+    /// wanted. A reason, when the entry stays; none after a stop, which the caller looks at.
     [[nodiscard]] virtual std::optional<StayedEntry> before(const HeldEntry& leaving,
                                                             const std::atomic<bool>& stop) = 0;
 

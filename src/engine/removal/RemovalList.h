@@ -24,7 +24,11 @@ class RemovalList {
 public:
     virtual ~RemovalList() = default;
 
-    /// On the removing thread, before anything else: what takes time to make.
+    /// On the removing thread, before anything else: where a stop shows, which what takes long
+    /// looks at. It lives until the job has ended; a list around another one tells that too.
+    virtual void listenTo(const std::atomic<bool>& /*stop*/) {}
+
+    /// On the removing thread, right after that: what takes time to make.
     virtual void prepare() {}
 
     /// On the removing thread, once it is this removal's turn, for which it may have waited for
@@ -54,7 +58,7 @@ public:
     [[nodiscard]] virtual bool isCopy(std::size_t /*index*/) const { return false; }
 
     /// What the page has against the removal at this moment, or how a copy goes; nullptr for what
-    /// is none.
+    /// is none. What it has against an entry after a stop is not told.
     [[nodiscard]] virtual tl::expected<std::unique_ptr<CopyLook>, StayedEntry> judge(
         std::size_t /*index*/) {
         return nullptr;

@@ -30,6 +30,7 @@ RemovalRun::RemovalRun(const FileSystem& files, const std::string& stateFolder, 
       m_telling(std::move(telling)) {}
 
 RemovalOutcome RemovalRun::run() {
+    m_list.listenTo(m_stop);
     m_list.prepare();
     const RemovalTurn turn(m_folder, m_stop, [this] { m_telling.waiting(true); });
     // Without its turn there is nothing to prepare for; it may be somebody else's.
@@ -115,6 +116,8 @@ RemovalResult RemovalRun::removeOne(std::size_t index, const std::string& path,
     auto look = m_list.judge(index);
     if (!look) {
         RemovalResult result;
+        result.stopped = m_stop;  // maybe because of that alone
+        if (result.stopped) return result;
         result.refused = true;
         result.failed = 1;
         result.failures.push_back(std::move(look.error()));

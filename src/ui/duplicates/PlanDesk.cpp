@@ -273,9 +273,9 @@ void PlanDesk::go(std::shared_ptr<PlanRemoval> list) {
     m_run->list = list;
     std::shared_ptr<RemovalList> all = std::move(list);
     if (m_run->isToTrash)
-        all = m_run->undoable =
-            std::make_shared<UndoableRemoval>(*m_services.files, m_services.stateFolder,
-                                              std::move(all), [plan = m_plan] { return *plan; });
+        all = m_run->undoable = std::make_shared<UndoableRemoval>(
+            *m_services.files, m_services.stateFolder, std::move(all),
+            [plan = m_plan](const std::atomic<bool>& /*stop*/) { return *plan; });
     m_run->job = std::make_unique<RemovalJob>(
         RemovalJob::Parts{m_services.files, m_services.mainQueue,
                           doorOf(*m_services.files, m_run->isToTrash), m_services.stateFolder},

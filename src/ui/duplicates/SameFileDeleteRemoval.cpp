@@ -63,11 +63,12 @@ std::shared_ptr<RemovalPlan> planOf(const FileSystem& files,
 
 // What undo needs to know of what goes.
 DuplicatePlan notedPlan(const RemovalPlan& plan, const PlanOrigin& origin,
-                        const DuplicateFilesOpt& search, const FileSystem& files) {
+                        const DuplicateFilesOpt& search, const FileSystem& files,
+                        const std::atomic<bool>& stop) {
     std::vector<TreeNode::Pointer> leaves;
     for (std::size_t i = 0; i < plan.size(); ++i) leaves.push_back(plan.leaf(i));
     DuplicatePlan noted = planOfTicks(leaves, origin);
-    noteListings(noted, files, search);
+    noteListings(noted, files, search, stop);
     return noted;
 }
 
@@ -115,7 +116,9 @@ void SameFileDeleteViewController::delDuplicateItems() {
         list = m_removal->undoable = std::make_shared<UndoableRemoval>(
             *m_parts.files, m_parts.stateFolder, m_removal->plan,
             [plan = m_removal->plan, origin = planOrigin(), search = m_duplicateOpt,
-             files = m_parts.files] { return notedPlan(*plan, origin, *search, *files); });
+             files = m_parts.files](const std::atomic<bool>& stop) {
+                return notedPlan(*plan, origin, *search, *files, stop);
+            });
     m_removal->job = std::make_unique<RemovalJob>(
         RemovalJob::Parts{m_parts.files, m_parts.mainQueue,
                           doorOf(*m_parts.files, m_removal->isToTrash), m_parts.stateFolder},

@@ -6,6 +6,7 @@
 #include "engine/duplicates/RandomTree.h"
 #include "engine/duplicates/keep/KeepTicks.h"
 #include "engine/duplicates/plan/makePlan.h"
+#include "engine/duplicates/plan/UndoableRemoval.h"
 #include "engine/duplicates/plan/planOfTicks.h"
 #include "engine/duplicates/results/GainOrder.h"
 #include "engine/duplicates/results/RemovalPlan.h"
@@ -265,6 +266,40 @@ TEST_F(WholeFolders, ThatAreProtectedAreTheOnesThatStay) {
         for (PlanMember& member : group.members) member.listing.reset();
     EXPECT_EQ(addListings(plan, realFiles, on.found), 1U);
     EXPECT_EQ(plan.groups.size(), 1U);
+}
+
+// Two folders of 50 folders each are listed three times before anything of them is touched.
+TEST_F(WholeFolders, HearAStopWhileTheyAreListed) {
+    for (int i = 0; i < 50; ++i)
+        for (const char* folder : {"f/a", "f/b"})
+            tree.write(fmt::format("{}/many{}/z", folder, i), someBytes(9, 3));
+    on.search({"f"});
+    on.tick("f/b");
+    for (const bool isUndoable : {false, true})
+        for (const int readsBefore : {0, 30, 70, 130, 180, 220}) {
+            WatchedFiles files;
+            std::atomic<bool> stop{false};
+            int reads = 0;
+            files.onReadFolder = [&] { stop = ++reads > readsBefore; };
+            const auto ticked = on.selection.allSelectNumArr().entries();
+            std::shared_ptr<RemovalList> list =
+                std::make_shared<RemovalPlan>(files, ticked, RemovalPlan::Comparing::Never);
+            if (isUndoable)
+                list = std::make_shared<UndoableRemoval>(
+                    files, tree.at("state"), list, [&](const std::atomic<bool>& heard) {
+                        DuplicatePlan plan = planOfTicks(ticked, {{tree.at("f")}, {}, {}});
+                        noteListings(plan, files, on.found, heard);
+                        return plan;
+                    });
+            PlainDoor door(files, {});
+            const RemovalOutcome outcome =
+                RemovalRun(files, tree.at("state"), *list, door, stop, testing::nobodyTold()).run();
+            EXPECT_LT(reads, readsBefore + 4) << "a stop is no reason to read on";
+            EXPECT_TRUE(outcome.stopped);
+            EXPECT_EQ(outcome.failed + outcome.removed + outcome.stayed.size(), 0U)
+                << (outcome.stayed.empty() ? std::string() : outcome.stayed[0].reason);
+            EXPECT_TRUE(fs::exists(tree.at("f/b/sub/y")));
+        }
 }
 
 /// What goes and what stays of it, by path.

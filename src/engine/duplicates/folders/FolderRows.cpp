@@ -2,7 +2,6 @@
 #include "engine/duplicates/folders/FolderRows.h"
 
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 #include "engine/base/saturating.h"
@@ -87,10 +86,10 @@ std::string folderGroupName(const TreeNode& group) {
 // The clock of the disk's own machine may be behind ours where it is another; what counts is then
 // the number of entries and their bytes, and for all but the last copy the comparison.
 std::optional<std::uint64_t> digestOfUnchanged(const FileSystem& files, const std::string& folder,
-                                               const FolderFacts& seen) {
-    const std::atomic<bool> never{false};
+                                               const FolderFacts& seen,
+                                               const std::atomic<bool>& stop) {
     const auto passing = files.devicesOfPassingInodes();
-    const auto now = listBundle(files, folder, {passing}, never);
+    const auto now = listBundle(files, folder, {passing}, stop);
     if (!now || now->entries.size() != seen.entries) return std::nullopt;
     std::uint64_t bytes = 0;
     for (const BundleEntry& entry : now->entries) {

@@ -2,6 +2,7 @@
 // in none.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -51,10 +52,11 @@ private:
 [[nodiscard]] std::string folderGroupName(const TreeNode& group);
 
 /// BundleListing::digest of a folder as it is now; nothing where it can not be listed whole, or
-/// where an entry of it came, went or changed since the search saw it. The contents of files are
-/// not read.
+/// where an entry of it came, went or changed since the search saw it, and after a stop. The
+/// contents of files are not read.
 [[nodiscard]] std::optional<std::uint64_t> digestOfUnchanged(const FileSystem& files,
                                                              const std::string& folder,
-                                                             const FolderFacts& seen);
+                                                             const FolderFacts& seen,
+                                                             const std::atomic<bool>& stop);
 
 }  // namespace orrinvale

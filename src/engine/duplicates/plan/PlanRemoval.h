@@ -26,6 +26,7 @@ public:
     /// A sound plan: faultOf() has nothing against it. The file system outlives the list.
     PlanRemoval(const FileSystem& files, const DuplicatePlan& plan);
 
+    void listenTo(const std::atomic<bool>& stop) override { m_plan->listenTo(stop); }
     void prepare() override { m_plan->prepare(); }
     void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override { return m_plan->size(); }

@@ -12,8 +12,7 @@
 namespace orrinvale {
 
 UndoableRemoval::UndoableRemoval(const FileSystem& files, std::string stateFolder,
-                                 std::shared_ptr<RemovalList> list,
-                                 std::function<DuplicatePlan()> plan)
+                                 std::shared_ptr<RemovalList> list, MakePlan plan)
     : m_files(files),
       m_stateFolder(std::move(stateFolder)),
       m_list(std::move(list)),
@@ -24,14 +23,20 @@ void UndoableRemoval::forgetUnused() {
     if (!m_isAnyAway && !m_id.empty()) PlanHistory(m_stateFolder).forget(m_id);
 }
 
+void UndoableRemoval::listenTo(const std::atomic<bool>& stop) {
+    m_stop = &stop;
+    m_list->listenTo(stop);
+}
+
 void UndoableRemoval::prepare() {
     m_list->prepare();
-    m_plan = std::exchange(m_makePlan, nullptr)();
+    m_plan = std::exchange(m_makePlan, nullptr)(*m_stop);
 }
 
 // Folders are noted as they are when things leave them, not as they were before the wait.
 void UndoableRemoval::turnHasCome() {
     m_list->turnHasCome();
+    if (*m_stop) return;  // nothing goes any more
     const PlanHistory history(m_stateFolder);
     auto noted = history.note(m_files, m_plan);
     m_plan = {};

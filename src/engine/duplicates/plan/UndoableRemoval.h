@@ -15,9 +15,10 @@ namespace orrinvale {
 class UndoableRemoval final : public RemovalList {
 public:
     /// `plan` is called on the removing thread, right after the list's own prepare(): what goes, as
-    /// a plan. The file system outlives the list.
+    /// a plan. After the stop it need not be whole. The file system outlives the list.
+    using MakePlan = std::function<DuplicatePlan(const std::atomic<bool>& stop)>;
     UndoableRemoval(const FileSystem& files, std::string stateFolder,
-                    std::shared_ptr<RemovalList> list, std::function<DuplicatePlan()> plan);
+                    std::shared_ptr<RemovalList> list, MakePlan plan);
 
     /// What undoes it; empty where nothing is to be undone.
     [[nodiscard]] const std::string& undoId() const { return m_isAnyAway ? m_id : m_none; }
@@ -26,6 +27,7 @@ public:
     /// did may be forgotten from here on. Asks the disk.
     void forgetUnused();
 
+    void listenTo(const std::atomic<bool>& stop) override;
     void prepare() override;
     void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override { return m_list->size(); }
@@ -51,7 +53,9 @@ private:
     const FileSystem& m_files;
     const std::string m_stateFolder;
     const std::shared_ptr<RemovalList> m_list;
-    std::function<DuplicatePlan()> m_makePlan;
+    MakePlan m_makePlan;
+    static constexpr std::atomic<bool> never{false};
+    const std::atomic<bool>* m_stop = &never;
     DuplicatePlan m_plan;
     std::string m_id;
     Descriptor m_held;  // the note, while the removal runs

@@ -81,12 +81,13 @@ LeftOutOfPlan takeOutUnplannable(DuplicatePlan& plan) {
 std::size_t addListings(DuplicatePlan& plan, const FileSystem& files,
                         const DuplicateFilesOpt& search) {
     const auto facts = factsByPath(search);
+    const std::atomic<bool> never{false};
     std::size_t changed = 0;
     for (PlanGroup& group : plan.groups)
         changed += std::erase_if(group.members, [&](PlanMember& member) {
             const auto seen = facts.find(member.path);
             if (seen == facts.end() || member.listing) return false;
-            member.listing = digestOfUnchanged(files, member.path, seen->second);
+            member.listing = digestOfUnchanged(files, member.path, seen->second, never);
             return !member.listing;
         });
     if (changed != 0)
@@ -94,14 +95,15 @@ std::size_t addListings(DuplicatePlan& plan, const FileSystem& files,
     return changed;
 }
 
-void noteListings(DuplicatePlan& plan, const FileSystem& files, const DuplicateFilesOpt& search) {
+void noteListings(DuplicatePlan& plan, const FileSystem& files, const DuplicateFilesOpt& search,
+                  const std::atomic<bool>& stop) {
     const auto facts = factsByPath(search);
     if (facts.empty()) return;
     for (PlanGroup& group : plan.groups)
         for (PlanMember& member : group.members)
             if (const auto seen = facts.find(member.path);
                 seen != facts.end() && member.goes && !member.listing)
-                member.listing = digestOfUnchanged(files, member.path, seen->second);
+                member.listing = digestOfUnchanged(files, member.path, seen->second, stop);
 }
 
 void addContents(DuplicatePlan& plan, const DuplicateFilesOpt& search) {

@@ -1,6 +1,7 @@
 // planOfTicks: what a person has ticked in a result, as a plan.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <span>
 
@@ -31,8 +32,9 @@ LeftOutOfPlan takeOutUnplannable(DuplicatePlan& plan);
 std::size_t addListings(DuplicatePlan& plan, const FileSystem& files,
                         const DuplicateFilesOpt& search);
 
-/// For undo: the same for folders that go, and leaves the rest of the plan as it is.
-void noteListings(DuplicatePlan& plan, const FileSystem& files, const DuplicateFilesOpt& search);
+/// For undo: the same for folders that go, up to a stop, and leaves the rest of the plan as it is.
+void noteListings(DuplicatePlan& plan, const FileSystem& files, const DuplicateFilesOpt& search,
+                  const std::atomic<bool>& stop);
 
 /// Adds the hashes of the search that the ticks are of, as makePlan() has them. Not while it runs.
 void addContents(DuplicatePlan& plan, const DuplicateFilesOpt& search);

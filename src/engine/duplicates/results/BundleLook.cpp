@@ -91,7 +91,9 @@ BundleLook::BundleLook(const FileSystem& files, Digests digests, std::optional<K
 
 std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving,
                                               const std::atomic<bool>& stop) {
-    if (auto reason = listBoth(leaving, leaving.name, stop)) return reason;
+    auto reason = listBoth(leaving, leaving.name, stop);
+    if (stop) return std::nullopt;  // for which a list was cut short
+    if (reason) return reason;
     return m_kept && m_compares ? compare(leaving, stop) : std::nullopt;
 }
 

@@ -117,8 +117,7 @@ bool RemovalPlan::isCopyFor(const Member& wanted, const Member& other) const {
 
 bool RemovalPlan::isAsListed(const Member& bundle) const {
     const auto passing = m_files.devicesOfPassingInodes();
-    const std::atomic<bool> never{false};
-    const auto now = listBundle(m_files, bundle.path, {passing}, never);
+    const auto now = listBundle(m_files, bundle.path, {passing}, *m_stop);
     return now && now->digest == *bundle.digest;
 }
 
@@ -137,7 +136,7 @@ bool RemovalPlan::liesInWhatGoes(const std::string& path) const {
 bool RemovalPlan::learnListing(Member& folder) const {
     const auto seen = m_wholeFolders.find(folder.path);
     if (folder.digest || seen == m_wholeFolders.end()) return true;
-    folder.digest = digestOfUnchanged(m_files, folder.path, seen->second);
+    folder.digest = digestOfUnchanged(m_files, folder.path, seen->second, *m_stop);
     return folder.digest.has_value();
 }
 

@@ -41,6 +41,7 @@ public:
     /// What else may keep a bundle, by what is in it. Before the removal.
     void setObjection(ListingObjection objection) { m_objection = std::move(objection); }
 
+    void listenTo(const std::atomic<bool>& stop) override { m_stop = &stop; }
     /// The groups are those that the leaves stand in now: nobody changes the tree before the first
     /// news of the removal.
     void prepare() override;
@@ -132,6 +133,8 @@ private:
     const Comparing m_comparing;
     const Copies m_copies;
     ListingObjection m_objection;
+    static constexpr std::atomic<bool> never{false};
+    const std::atomic<bool>* m_stop = &never;
     bool m_isPrepared = false;
     std::vector<Group> m_groups;
     std::vector<Entry> m_entries;

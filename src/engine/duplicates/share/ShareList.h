@@ -26,6 +26,7 @@ public:
     /// A sound plan: faultOf() has nothing against it. The file system outlives the list.
     ShareList(const FileSystem& files, const DuplicatePlan& plan);
 
+    void listenTo(const std::atomic<bool>& stop) override { m_copies.listenTo(stop); }
     void prepare() override { m_copies.prepare(); }
     void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override { return m_copies.size(); }
