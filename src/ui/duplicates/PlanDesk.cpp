@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <optional>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "engine/base/endAside.h"
@@ -80,6 +81,7 @@ struct PlanDesk::Run {
     std::shared_ptr<UndoableRemoval> undoable;
     std::unique_ptr<RemovalJob> job;
     std::vector<Settled> settled;
+    std::unordered_set<std::string> folders;  // of the plan, that go
 };
 
 PlanDesk::PlanDesk(const PageServices& services, QObject* parent)
@@ -254,6 +256,10 @@ void PlanDesk::begin(bool isToTrash) {
     if (isRunning() || m_panel == nullptr) return;
     m_run = std::make_unique<Run>();
     m_run->isToTrash = isToTrash;
+    for (const PlanGroup& group : m_plan->groups)
+        for (const PlanMember& member : group.members)
+            if (member.goes && member.identity.type == FileType::Folder)
+                m_run->folders.insert(member.path);
     m_panel->showRunning();
     Q_EMIT runningChanged();
     const auto worker = runAside(
@@ -283,12 +289,17 @@ void PlanDesk::go(std::shared_ptr<PlanRemoval> list) {
     m_timer.start();
 }
 
+PlanDesk::Settled PlanDesk::settledOf(const RemovalJob::Settled& each, std::string path) const {
+    const bool isFolder = m_run->folders.contains(path);
+    return {std::move(path), each.gone, each.changed, 0, isFolder};
+}
+
 void PlanDesk::news() {
     if (!m_run || !m_run->job) return;
     RemovalJob::News news = m_run->job->takeNews();
     for (const RemovalJob::Settled& each : news.settled)
         if (each.gone || each.changed)
-            m_run->settled.push_back({m_run->list->path(each.index), each.gone, each.changed});
+            m_run->settled.push_back(settledOf(each, m_run->list->path(each.index)));
     if (!news.ending) return;
     // It is the job's own call that is running, so that the job goes in a later turn.
     m_services.mainQueue->async([job = std::shared_ptr<RemovalJob>(std::move(m_run->job))] {});

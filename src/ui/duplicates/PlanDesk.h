@@ -46,6 +46,7 @@ public:
         bool isGone = false;                  ///< or in the trash
         std::optional<std::int64_t> changed;  ///< RemovalResult::changed
         std::uint32_t namesMade = 0;          ///< of its file, beside those that it had
+        bool isFolder = false;
     };
 
     /// Asks where the plan is to be kept, in a later turn. `search` has the hashes of its files.
@@ -71,6 +72,7 @@ private:
     void begin(bool isToTrash);
     void go(std::shared_ptr<PlanRemoval> list);
     void news();
+    [[nodiscard]] Settled settledOf(const RemovalJob::Settled& each, std::string path) const;
     void ended(const RemovalOutcome& outcome);
     void undo();
     void undone(const UndoErrand::Result& result);

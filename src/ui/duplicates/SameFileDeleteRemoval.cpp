@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "engine/duplicates/plan/planOfTicks.h"
+#include "engine/duplicates/results/GoneFolders.h"
 #include "engine/duplicates/scope/ProtectedFolders.h"
 #include "engine/removal/stayReasons.h"
 #include "engine/settings/PreferenceViewController.h"
@@ -172,11 +173,33 @@ void SameFileDeleteViewController::refreshOutlineView(
     m_removal->delNodesArr.insert(m_removal->delNodesArr.end(), gone.begin(), gone.end());
 }
 
+// What lay in a folder is tied to it where the search saw that by its path; what it met through a
+// link is found here.
+void SameFileDeleteViewController::takeOutBelowGone() {
+    std::vector<std::string> folders;
+    for (const TreeNode::Pointer& leaf : m_removal->delNodesArr)
+        if (const auto& identity = simpleData(*leaf)->identity();
+            identity && identity->type == FileType::Folder)
+            folders.push_back(simpleData(*leaf)->name());
+    const GoneFolders gone(folders);
+    const TreeNode* const all = m_results.tree(0);
+    if (gone.empty() || all == nullptr) return;
+    std::vector<TreeNode::Pointer> leaves;
+    for (std::size_t g = 0; g < all->numberOfChildren(); ++g)
+        for (std::size_t i = 0; i < all->childAtIndex(g)->numberOfChildren(); ++i)
+            if (const TreeNode::Pointer& leaf = all->childAtIndex(g)->childAtIndex(i);
+                gone.held(*simpleData(*leaf)))
+                leaves.push_back(leaf);
+    m_results.removeLeaves(leaves);
+    m_removal->delNodesArr.insert(m_removal->delNodesArr.end(), leaves.begin(), leaves.end());
+}
+
 void SameFileDeleteViewController::deleteFinished() {
     SameFileDeleteViews& views = *m_views;
     m_removalTimer.stop();
     views.searchBtn->setEnabled(true);
     views.searchBtn->setIcon(picture(QStringLiteral("scan_b_normal")));
+    takeOutBelowGone();
     TickedLeaves& selected = m_selection.allSelectNumArr();
     if (m_state == State::StoppingRemoval) selected.clear();
     else selected.removeAll(m_removal->delNodesArr);

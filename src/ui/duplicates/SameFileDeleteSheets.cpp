@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "engine/duplicates/plan/planOfTicks.h"
+#include "engine/duplicates/results/GoneFolders.h"
 #include "engine/duplicates/results/RemovalPlan.h"
 #include "platform/files.h"
 #include "services/foundation/runAside.h"
@@ -47,6 +48,13 @@ QAction* addMoreEntry(QMenu& menu, const QString& text, const QKeySequence& keys
     entry->setShortcutContext(Qt::WidgetShortcut);
     entry->setShortcutVisibleInContextMenu(true);
     return entry;
+}
+
+GoneFolders goneFoldersOf(const std::vector<PlanDesk::Settled>& settled) {
+    std::vector<std::string> folders;
+    for (const PlanDesk::Settled& each : settled)
+        if (each.isGone && each.isFolder) folders.push_back(each.path);
+    return GoneFolders(folders);
 }
 
 }  // namespace
@@ -129,13 +137,14 @@ void SameFileDeleteViewController::deskChanged() {
     setRemoveButtonState();
 }
 
-// Their other ticks stay.
+// What lay in a folder that went is gone too. Their other ticks stay.
 void SameFileDeleteViewController::takeOutGone(const std::vector<PlanDesk::Settled>& settled) {
     const TreeNode* const all = m_results.tree(0);
     if (!bSearchFinished() || all == nullptr) return;
     finishSorting();
     std::unordered_map<std::string_view, const PlanDesk::Settled*> byPath;
     for (const PlanDesk::Settled& each : settled) byPath.emplace(each.path, &each);
+    const GoneFolders goneFolders = goneFoldersOf(settled);
     std::vector<TreeNode::Pointer> leaves;
     std::vector<RemovalPlan::Excuse> excuses;
     for (std::size_t g = 0; g < all->numberOfChildren(); ++g) {
@@ -145,9 +154,11 @@ void SameFileDeleteViewController::takeOutGone(const std::vector<PlanDesk::Settl
         for (std::size_t i = 0; i < gone.size(); ++i) {
             const TreeNode::Pointer& leaf = group.childAtIndex(i);
             const auto found = byPath.find(simpleData(*leaf)->name());
-            if (found == byPath.end()) continue;
-            const auto& [path, isGone, changed, namesMade] = *found->second;
-            if (changed) excuses.push_back({leaf, *changed, isGone, namesMade});
+            if (found != byPath.end() && found->second->changed)
+                excuses.push_back({leaf, *found->second->changed, found->second->isGone,
+                                   found->second->namesMade});
+            const bool isGone = found != byPath.end() ? found->second->isGone
+                                                      : goneFolders.held(*simpleData(*leaf));
             if (!isGone) continue;
             gone[i] = 1;
             leaves.push_back(leaf);

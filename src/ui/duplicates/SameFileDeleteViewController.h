@@ -269,6 +269,7 @@ private:
     void deleteUpView();
     void removalNews();
     void refreshOutlineView(const std::vector<RemovalJob::Settled>& settled);
+    void takeOutBelowGone();
     void deleteFinished();
     void showRemovalEnded();
     void alertCanNotRemoveSome();

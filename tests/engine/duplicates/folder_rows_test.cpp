@@ -9,6 +9,7 @@
 #include "engine/duplicates/plan/UndoableRemoval.h"
 #include "engine/duplicates/plan/planOfTicks.h"
 #include "engine/duplicates/results/GainOrder.h"
+#include "engine/duplicates/results/GoneFolders.h"
 #include "engine/duplicates/results/RemovalPlan.h"
 #include "engine/duplicates/results/ResultViews.h"
 #include "engine/removal/PairList.h"
@@ -300,6 +301,30 @@ TEST_F(WholeFolders, HearAStopWhileTheyAreListed) {
                 << (outcome.stayed.empty() ? std::string() : outcome.stayed[0].reason);
             EXPECT_TRUE(fs::exists(tree.at("f/b/sub/y")));
         }
+}
+
+TEST(WholeFolderRows, LayInFoldersThatAreGoneByTheirPaths) {
+    const GoneFolders gone({"/f/b c", "/f/b", "/f/b/in it", "/f/b!"});
+    const struct {
+        const char* path;
+        const char* place;
+        bool isLink;
+        bool held;
+    } cases[] = {
+        {"/f/b/x", "", false, true},         {"/f/b/in it/x", "", false, true},
+        {"/f/b c/x", "", false, true},       {"/f/b!/y/z", "", false, true},
+        {"/f/b", "", false, false},          {"/f/bc/x", "", false, false},
+        {"/f/b d/x", "", false, false},      {"/f/a/x", "", false, false},
+        {"/f/l/x", "/f/b/x", false, true},   {"/f/l", "/f/b/x", true, false},
+        {"/f/l/x", "/f/bc/x", false, false},
+    };
+    for (const auto& [path, place, isLink, held] : cases) {
+        const auto leaf = SimpleNodeData::leafDataWithName(path);
+        leaf->setPlace(place);
+        leaf->setIdentity(
+            EntryIdentity{.type = isLink ? FileType::SymbolicLink : FileType::Regular});
+        EXPECT_EQ(gone.held(*leaf), held) << path << ' ' << place;
+    }
 }
 
 /// What goes and what stays of it, by path.

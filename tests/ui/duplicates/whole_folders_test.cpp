@@ -179,6 +179,33 @@ TEST_F(WholeFoldersShown, MoveToTheTrashAndBackAndIntoAPlan) {
     EXPECT_TRUE(there("f/a/.h") && there("f/a/x"));
 }
 
+// Of a plan that was kept with whole folders, done where their files stand as rows.
+TEST_F(WholeFoldersShown, TakeTheRowsOfTheirFilesAlongInAnyList) {
+    ASSERT_TRUE(find());
+    on.tick(folder("f/a"));
+    QTest::keyClick(&on.control("outline"), Qt::Key_S, Qt::ControlModifier);
+    const auto sheet = [this](const char* name) {
+        return on.window->window()->findChild<QWidget*>(QString::fromUtf8(name));
+    };
+    ASSERT_SOON(sheet("savePlanPanel") != nullptr);
+    on.control<QLineEdit>("planPath").setText(QString::fromStdString(on.tree.at("plan.json")));
+    on.click("savePlan");
+    ASSERT_SOON(sheet("savePlanPanel") == nullptr);
+
+    on.tick(folder("f/a"));
+    on.settings().setBool(false, wholeFoldersKey);
+    ASSERT_TRUE(find());
+    ASSERT_EQ(on.model().rowCount(on.row("x")), 3);
+    on.dialogs.willChoose({on.tree.at("plan.json")});
+    QTest::keyClick(&on.control("outline"), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_SOON(sheet("planPanel") != nullptr);
+    on.dialogs.willAnswer(0);
+    on.click("planRemove");
+    ASSERT_SOON(on.page().bSearchFinished() && !there("f/a"));
+    ASSERT_SOON(on.model().rowCount(on.row("x")) == 2);
+    EXPECT_EQ(names().find("y "), std::string::npos) << "its other copy is alone";
+}
+
 TEST_F(WholeFoldersShown, TheMenuSaysHowTheListLooks) {
     ASSERT_TRUE(find());
     const std::string asFound = names();
