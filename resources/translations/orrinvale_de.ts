@@ -637,6 +637,43 @@
     </message>
 </context>
 <context>
+    <name>EntryWords</name>
+    <message>
+        <source>1 file</source>
+        <translation>1 Datei</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln files</source>
+        <translation>
+            <numerusform>%Ln Datei</numerusform>
+            <numerusform>%Ln Dateien</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 folder</source>
+        <translation>1 Ordner</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln folders</source>
+        <translation>
+            <numerusform>%Ln Ordner</numerusform>
+            <numerusform>%Ln Ordner</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 und %2</translation>
+    </message>
+    <message>
+        <source>%1, %2, goes for good.</source>
+        <translation>%1, %2, wird endgültig entfernt.</translation>
+    </message>
+    <message>
+        <source>%1, %2, go for good.</source>
+        <translation>%1, %2, werden endgültig entfernt.</translation>
+    </message>
+</context>
+<context>
     <name>FSNodeColumn</name>
     <message>
         <source>%1 on disk</source>
@@ -2666,17 +2703,6 @@
 </context>
 <context>
     <name>TrashWords</name>
-    <message>
-        <source>1 file, %1 moved</source>
-        <translation>1 Datei, %1 verschoben</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files, %1 moved</source>
-        <translation>
-            <numerusform>%Ln Datei, %1 verschoben</numerusform>
-            <numerusform>%Ln Dateien, %1 verschoben</numerusform>
-        </translation>
-    </message>
     <message numerus="yes">
         <source>%Ln could not be moved</source>
         <translation>
@@ -2692,17 +2718,6 @@
         <source>Nothing came back</source>
         <translation>Nichts kam zurück</translation>
     </message>
-    <message>
-        <source>1 file is back</source>
-        <translation>1 Datei ist zurück</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files are back</source>
-        <translation>
-            <numerusform>%Ln Datei ist zurück</numerusform>
-            <numerusform>%Ln Dateien sind zurück</numerusform>
-        </translation>
-    </message>
     <message numerus="yes">
         <source>%Ln could not be brought back</source>
         <translation>
@@ -2713,6 +2728,18 @@
     <message>
         <source>%1, in the trash as %2</source>
         <translation>%1, im Papierkorb als %2</translation>
+    </message>
+    <message>
+        <source>%1, %2 moved</source>
+        <translation>%1, %2 verschoben</translation>
+    </message>
+    <message>
+        <source>%1 is back</source>
+        <translation>%1 ist zurück</translation>
+    </message>
+    <message>
+        <source>%1 are back</source>
+        <translation>%1 sind zurück</translation>
     </message>
 </context>
 <context>
@@ -3670,10 +3697,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Wann</translation>
     </message>
     <message>
-        <source>Files</source>
-        <translation>Dateien</translation>
-    </message>
-    <message>
         <source>Size</source>
         <translation>Größe</translation>
     </message>
@@ -3728,6 +3751,10 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Bringing it back…</source>
         <translation>Wird zurückgeholt …</translation>
+    </message>
+    <message>
+        <source>Entries</source>
+        <translation>Einträge</translation>
     </message>
 </context>
 <context>
@@ -4521,17 +4548,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Dieser Plan ist nicht brauchbar</translation>
     </message>
     <message>
-        <source>1 file, %1, goes for good.</source>
-        <translation>1 Datei, %1, wird endgültig entfernt.</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files, %1, go for good.</source>
-        <translation>
-            <numerusform>%Ln Datei, %1, wird endgültig entfernt.</numerusform>
-            <numerusform>%Ln Dateien, %1, werden endgültig entfernt.</numerusform>
-        </translation>
-    </message>
-    <message>
         <source>Nothing went</source>
         <translation>Nichts wurde entfernt</translation>
     </message>
@@ -4573,17 +4589,6 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Plan</source>
         <translation>Plan</translation>
-    </message>
-    <message>
-        <source>1 file, %1, can go. A copy of it stays.</source>
-        <translation>1 Datei, %1, kann gehen. Eine Kopie davon bleibt.</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files, %1, can go. Of each a copy stays.</source>
-        <translation>
-            <numerusform>%Ln Datei, %1, kann gehen. Eine Kopie davon bleibt.</numerusform>
-            <numerusform>%Ln Dateien, %1, können gehen. Von jeder bleibt eine Kopie.</numerusform>
-        </translation>
     </message>
     <message>
         <source>1 of them lies outside of the folders of the plan.</source>
@@ -4639,6 +4644,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Close</source>
         <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>%1, %2, can go. A copy of it stays.</source>
+        <translation>%1, %2, kann gehen. Eine Kopie davon bleibt.</translation>
+    </message>
+    <message>
+        <source>%1, %2, can go. Of each a copy stays.</source>
+        <translation>%1, %2, können gehen. Von allem bleibt eine Kopie.</translation>
     </message>
 </context>
 <context>
@@ -5127,30 +5140,8 @@ Freie Software unter der Apache License 2.0.</translation>
         </translation>
     </message>
     <message>
-        <source>Move 1 file to the trash?</source>
-        <translation>1 Datei in den Papierkorb legen?</translation>
-    </message>
-    <message numerus="yes">
-        <source>Move %Ln files to the trash?</source>
-        <translation>
-            <numerusform>%Ln Datei in den Papierkorb legen?</numerusform>
-            <numerusform>%Ln Dateien in den Papierkorb legen?</numerusform>
-        </translation>
-    </message>
-    <message>
         <source>%1 in all. What is moved can be brought back until the trash is emptied.</source>
         <translation>Zusammen %1. Was dort liegt, lässt sich zurückholen, bis der Papierkorb geleert wird.</translation>
-    </message>
-    <message>
-        <source>1 file, %1, goes for good.</source>
-        <translation>1 Datei, %1, wird endgültig entfernt.</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files, %1, go for good.</source>
-        <translation>
-            <numerusform>%Ln Datei, %1, wird endgültig entfernt.</numerusform>
-            <numerusform>%Ln Dateien, %1, werden endgültig entfernt.</numerusform>
-        </translation>
     </message>
     <message>
         <source>Could not be brought back</source>
@@ -5237,17 +5228,6 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Eine Suche mit „Ganze Ordner“ findet sie</translation>
     </message>
     <message>
-        <source>1 file</source>
-        <translation>1 Datei</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files</source>
-        <translation>
-            <numerusform>%Ln Datei</numerusform>
-            <numerusform>%Ln Dateien</numerusform>
-        </translation>
-    </message>
-    <message>
         <source>1 of them is a folder: all that is in it goes, %1.</source>
         <translation>1 davon ist ein Ordner: Alles darin geht, %1.</translation>
     </message>
@@ -5271,28 +5251,6 @@ Freie Software unter der Apache License 2.0.</translation>
             <numerusform>%n Eintrag in %1</numerusform>
             <numerusform>%n Einträge in %1</numerusform>
         </translation>
-    </message>
-    <message numerus="yes">
-        <source>Move %Ln entries to the trash?</source>
-        <translation>
-            <numerusform>%Ln Eintrag in den Papierkorb legen?</numerusform>
-            <numerusform>%Ln Einträge in den Papierkorb legen?</numerusform>
-        </translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln entries, %1, go for good.</source>
-        <translation>
-            <numerusform>%Ln Eintrag, %1, geht endgültig.</numerusform>
-            <numerusform>%Ln Einträge, %1, gehen endgültig.</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>Move 1 entry to the trash?</source>
-        <translation>1 Eintrag in den Papierkorb legen?</translation>
-    </message>
-    <message>
-        <source>1 entry, %1, goes for good.</source>
-        <translation>1 Eintrag, %1, geht endgültig.</translation>
     </message>
     <message>
         <source>selected 1 entry in All</source>
@@ -5322,6 +5280,14 @@ Freie Software unter der Apache License 2.0.</translation>
         <source>Nothing here takes its space twice any more.</source>
         <translation>Nichts belegt hier seinen Platz mehr doppelt.</translation>
     </message>
+    <message>
+        <source>It is a folder: all that is in it goes, %1.</source>
+        <translation>Es ist ein Ordner: Alles darin geht, %1.</translation>
+    </message>
+    <message>
+        <source>Move %1 to the trash?</source>
+        <translation>%1 in den Papierkorb legen?</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::SavePlanPanel</name>
@@ -5332,17 +5298,6 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Save what is ticked as a plan</source>
         <translation>Das Ausgewählte als Plan speichern</translation>
-    </message>
-    <message>
-        <source>1 file, %1. It goes when the plan is opened and confirmed.</source>
-        <translation>1 Datei, %1. Sie geht, wenn der Plan geöffnet und bestätigt wird.</translation>
-    </message>
-    <message numerus="yes">
-        <source>%Ln files, %1. They go when the plan is opened and confirmed.</source>
-        <translation>
-            <numerusform>%Ln Datei, %1. Sie geht, wenn der Plan geöffnet und bestätigt wird.</numerusform>
-            <numerusform>%Ln Dateien, %1. Sie gehen, wenn der Plan geöffnet und bestätigt wird.</numerusform>
-        </translation>
     </message>
     <message>
         <source>1 group is left out: all its copies are ticked, and a plan keeps one.</source>
@@ -5400,6 +5355,14 @@ Freie Software unter der Apache License 2.0.</translation>
             <numerusform>%Ln Ordner bleibt weg: Sein Inhalt hat sich seit der Suche geändert.</numerusform>
             <numerusform>%Ln Ordner bleiben weg: Ihr Inhalt hat sich seit der Suche geändert.</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>%1, %2. It goes when the plan is opened and confirmed.</source>
+        <translation>%1, %2. Das geht, wenn der Plan geöffnet und bestätigt wird.</translation>
+    </message>
+    <message>
+        <source>%1, %2. They go when the plan is opened and confirmed.</source>
+        <translation>%1, %2. Sie gehen, wenn der Plan geöffnet und bestätigt wird.</translation>
     </message>
 </context>
 <context>

@@ -6,6 +6,7 @@
 
 #include "cli/Command.h"
 #include "cli/Output.h"
+#include "cli/countedEntries.h"
 #include "engine/duplicates/plan/PlanFile.h"
 #include "engine/text/UtilityFunction.h"
 
@@ -21,8 +22,8 @@ bool writePlanFile(const std::string& file, const DuplicateFilesOpt& search,
     const PlanSums sums = sumsOf(plan);
     if (!isQuiet)
         Output(STDERR_FILENO)
-            .write(fmt::format("{}: a plan to remove {} {}, {}\n", printable(file), sums.entries(),
-                               sums.entries() == 1 ? "entry" : "entries",
+            .write(fmt::format("{}: a plan to remove {}, {}\n", printable(file),
+                               countedEntries(sums.files, sums.bundles),
                                UtilityFunction::convertVolSpace(sums.bytes)));
     return true;
 }

@@ -13,6 +13,7 @@
 #include "cli/RemoveReport.h"
 #include "cli/SearchWatch.h"
 #include "cli/askYes.h"
+#include "cli/countedEntries.h"
 #include "engine/duplicates/plan/PlanFile.h"
 #include "engine/duplicates/plan/PlanHistory.h"
 #include "engine/duplicates/plan/PlanRemoval.h"
@@ -55,7 +56,10 @@ RemoveAccount accountOf(const PlanRun& run) {
     for (std::size_t i = 0; i < settled.size(); ++i) {
         std::string path = run.list->path(i);
         switch (settled[i].as) {
-            case As::Gone: account.removed.push_back(std::move(path)); break;
+            case As::Gone:
+                account.removed.push_back(std::move(path));
+                account.folders += run.list->identity(i)->type == FileType::Folder ? 1U : 0U;
+                break;
             case As::GoneByOthers: account.byOthers.push_back(std::move(path)); break;
             case As::Stayed: account.kept.push_back({std::move(path), settled[i].reason}); break;
             case As::Partly:
@@ -77,26 +81,13 @@ std::string countOfOutside(std::size_t count, std::size_t folders) {
                        count == 1 ? "lies" : "lie", folders == 1 ? " that was" : "s that were");
 }
 
-// A folder takes along what no search showed: hidden and left out entries too.
-std::string countOfEntries(const PlanSums& sums) {
-    const auto counted = [](std::size_t count, std::string_view one, std::string_view more) {
-        return fmt::format("{} {}", count, count == 1 ? one : more);
-    };
-    if (sums.bundles > 0 && sums.files == 0)
-        return counted(sums.bundles, "whole folder", "whole folders");
-    const std::string all = counted(sums.entries(), "entry", "entries");
-    if (sums.bundles == 0) return all;
-    return fmt::format("{}, {} of them {}", all, sums.bundles,
-                       sums.bundles == 1 ? "a whole folder" : "whole folders");
-}
-
 bool isPlanAgreed(const FileSystem& files, const DuplicatePlan& plan, bool isToTrash) {
     const PlanSums sums = sumsOf(plan);
-    return askYes(fmt::format("{} {}, {}, {}? {}No group loses all its copies.",
-                              isToTrash ? "Move" : "Remove", countOfEntries(sums),
-                              UtilityFunction::convertVolSpace(sums.bytes),
-                              isToTrash ? "to the trash" : "for good",
-                              countOfOutside(entriesOutside(files, plan), plan.roots.size())));
+    return askYes(fmt::format(
+        "{} {}, {}, {}? {}No group loses all its copies.", isToTrash ? "Move" : "Remove",
+        countedEntries(sums.files, sums.bundles), UtilityFunction::convertVolSpace(sums.bytes),
+        isToTrash ? "to the trash" : "for good",
+        countOfOutside(entriesOutside(files, plan), plan.roots.size())));
 }
 
 }  // namespace

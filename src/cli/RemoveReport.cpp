@@ -2,13 +2,14 @@
 
 #include <fmt/format.h>
 
+#include "cli/countedEntries.h"
 #include "engine/text/UtilityFunction.h"
 
 namespace orrinvale::cli {
 namespace {
 
-std::string countedFiles(std::size_t count) {
-    return fmt::format("{} {}", count, count == 1 ? "entry" : "entries");
+std::string countedRemoved(const RemoveAccount& account) {
+    return countedEntries(account.removed.size() - account.folders, account.folders);
 }
 
 void appendRemovedPaths(std::string& text, std::string_view name,
@@ -59,12 +60,10 @@ void printRemoveListing(Output& out, const RemoveAccount& account) {
         out.write(fmt::format("was gone already: {}\n", printable(path)));
     const std::string size = UtilityFunction::convertVolSpace(account.bytes);
     if (account.isToTrash)
-        out.write(fmt::format(
-            "Moved {} to the trash, {}.{}{}\n", countedFiles(account.removed.size()), size,
-            account.undoId.empty() ? "" : " Undo: orrinvale-cli undo ", account.undoId));
-    else
-        out.write(
-            fmt::format("Removed {}, {} freed.\n", countedFiles(account.removed.size()), size));
+        out.write(fmt::format("Moved {} to the trash, {}.{}{}\n", countedRemoved(account), size,
+                              account.undoId.empty() ? "" : " Undo: orrinvale-cli undo ",
+                              account.undoId));
+    else out.write(fmt::format("Removed {}, {} freed.\n", countedRemoved(account), size));
 }
 
 }  // namespace orrinvale::cli

@@ -14,6 +14,7 @@ struct RemoveAccount {
         std::string reason;
     };
     std::vector<std::string> removed;   ///< by this run, or moved to the trash
+    std::size_t folders = 0;            ///< of these
     std::vector<std::string> byOthers;  ///< were gone when their turn came
     std::vector<Stayed> kept;
     std::uint64_t bytes = 0;  ///< of what went, a file with several names once

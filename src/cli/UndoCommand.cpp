@@ -8,6 +8,7 @@
 
 #include "cli/Output.h"
 #include "cli/SearchWatch.h"
+#include "cli/countedEntries.h"
 #include "engine/duplicates/plan/PlanHistory.h"
 #include "engine/settings/UserFolders.h"
 #include "engine/text/UtilityFunction.h"
@@ -72,8 +73,9 @@ void printUndoListing(Output& out, const UndoOutcome& outcome) {
         out.write(fmt::format("not brought back, {}: {}{}{}\n", each.reason, printable(each.path),
                               each.place.empty() ? "" : ", in the trash as ",
                               printable(each.place)));
-    out.write(fmt::format("Brought back {} {}.\n", outcome.restored.size(),
-                          outcome.restored.size() == 1 ? "entry" : "entries"));
+    out.write(fmt::format("Brought back {}.\n",
+                          countedEntries(outcome.restored.size() - outcome.restoredFolders,
+                                         outcome.restoredFolders)));
 }
 
 }  // namespace

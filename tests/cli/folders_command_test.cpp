@@ -159,7 +159,7 @@ TEST(FoldersCommand, OfALinkThatIsSearchedGoesWhatItLeadsTo) {
         {"y\n", [](const std::string& error) { return error.find("[y/N]") != std::string::npos; }}};
     const auto removed = asked.run();
     EXPECT_EQ(removed.status, 0) << removed.output;
-    EXPECT_THAT(removed.error, HasSubstr("Remove 1 whole folder, "));
+    EXPECT_THAT(removed.error, HasSubstr("Remove 1 folder, "));
     EXPECT_FALSE(isThere(tree.at("two")));
     EXPECT_EQ(namesIn(tree.at("one")).size(), 2U);
 }

@@ -57,7 +57,7 @@ TEST(RemoveCommand, MovesToTheTrashWhereItIsTold) {
     makePlannedTree(tree);
     const auto run = planRun(tree, "remove", {"--plan", tree.at("plan"), "--yes", "--trash"}).run();
     EXPECT_EQ(run.status, 0) << run.error;
-    EXPECT_THAT(run.output, HasSubstr("Moved 4 entries to the trash, 0.03 KB. Undo: "));
+    EXPECT_THAT(run.output, HasSubstr("Moved 4 files to the trash, 0.03 KB. Undo: "));
     EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/files")).size(), 4U);
     EXPECT_EQ(namesIn(tree.at("home/.local/share/Trash/info")).size(), 4U);
 
@@ -114,7 +114,7 @@ TEST(RemoveCommand, AsksAndTakesNoForAnAnswer) {
         return run.run();
     };
     const auto no = answered("n\n");
-    EXPECT_THAT(no.error, HasSubstr("Remove 4 entries, 0.03 KB, for good? No group loses all"));
+    EXPECT_THAT(no.error, HasSubstr("Remove 4 files, 0.03 KB, for good? No group loses all"));
     EXPECT_TRUE(isThere(tree.at("data/2")));
     EXPECT_EQ(answered("y\n").status, 0);
     EXPECT_FALSE(isThere(tree.at("data/2")));

@@ -148,6 +148,8 @@ void RemovalRun::count(std::size_t index, const RemovalResult& result) {
     if (result.bytes) addSaturating(m_outcome.bytes, *result.bytes);
     if (result.gone) {
         ++(result.byOthers ? m_outcome.byOthers : m_outcome.removed);
+        const auto identity = m_list.identity(index);
+        if (!result.byOthers && identity && identity->type == FileType::Folder) ++m_outcome.folders;
         if (result.bytes) return;
         if (!result.byOthers) countBytes(index, result);
         return;

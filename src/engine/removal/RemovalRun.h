@@ -19,6 +19,7 @@ namespace orrinvale {
 struct RemovalOutcome {
     std::size_t chosen = 0;
     std::size_t removed = 0;   ///< chosen entries that went, by us
+    std::size_t folders = 0;   ///< of these; each went as one, whatever was in it
     std::size_t byOthers = 0;  ///< that somebody else had removed when we came to them
     std::size_t kept = 0;      ///< that a rule kept, which is no failure
     std::size_t shared = 0;    ///< that have their bytes in common with the copy that stays

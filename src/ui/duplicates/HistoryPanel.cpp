@@ -44,7 +44,7 @@ static_assert(std::is_nothrow_destructible_v<TickColumn<HistoryRow>>);  // see T
 
 std::vector<TickColumn<HistoryRow>> historyColumns() {
     return {{.title = HistoryPanel::tr("When"), .look = CellLook::Name, .text = whenText},
-            {.title = HistoryPanel::tr("Files"),
+            {.title = HistoryPanel::tr("Entries"),
              .look = CellLook::Figure,
              .width = historyCountWidth,
              .text =

@@ -25,6 +25,7 @@
 #include "services/foundation/runAside.h"
 #include "ui/duplicates/PlanPanel.h"
 #include "ui/duplicates/SavePlanPanel.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/duplicates/removalWays.h"
 #include "ui/duplicates/trashWords.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -242,11 +243,8 @@ void PlanDesk::show(std::shared_ptr<const DuplicatePlan> plan, const PlanFacts& 
 
 void PlanDesk::confirmRemoval() {
     if (m_panel == nullptr) return;
-    const auto count = static_cast<int>(m_sums.entries());
     Alert question = removalQuestion();
-    question.text = (count == 1 ? tr("1 file, %1, goes for good.")
-                                : tr("%Ln files, %1, go for good.", nullptr, count))
-                        .arg(shownSize(UtilityFunction::convertVolSpace(m_sums.bytes)));
+    question.text = goForGoodText({m_sums.files, m_sums.bundles}, m_sums.bytes);
     m_services.dialogs->alert(m_window, question, [self = QPointer(this)](int button) {
         if (self != nullptr && self->m_panel != nullptr && button == 0) self->begin(false);
     });

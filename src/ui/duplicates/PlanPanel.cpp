@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/text/UtilityFunction.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
@@ -95,12 +96,10 @@ void PlanPanel::addTexts(QVBoxLayout& column, const PlanFacts& facts) {
     auto* const title = named(new ElidedLabel(Qt::ElideMiddle), "planTitle");
     title->setFont(Theme::shared().font(Theme::Text::Heading));
     title->setText(facts.name);
-    const auto count = static_cast<int>(facts.sums.entries());
     const QString size = shownSize(UtilityFunction::convertVolSpace(facts.sums.bytes));
-    QStringList lines{(count == 1
-                           ? tr("1 file, %1, can go. A copy of it stays.")
-                           : tr("%Ln files, %1, can go. Of each a copy stays.", nullptr, count))
-                          .arg(size)};
+    QStringList lines{(facts.sums.entries() == 1 ? tr("%1, %2, can go. A copy of it stays.")
+                                                 : tr("%1, %2, can go. Of each a copy stays."))
+                          .arg(countedEntries({facts.sums.files, facts.sums.bundles}), size)};
     if (facts.outside == 1) lines << tr("1 of them lies outside of the folders of the plan.");
     else if (facts.outside > 1)
         lines << tr("%Ln of them lie outside of the folders of the plan.", nullptr,

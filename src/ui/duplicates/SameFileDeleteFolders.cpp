@@ -13,6 +13,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/dialogs/Sheet.h"
@@ -142,19 +143,10 @@ SameFileDeleteViewController::TickedFolders SameFileDeleteViewController::ticked
     return sums;
 }
 
-QString SameFileDeleteViewController::entriesQuestion(bool isToTrash, int count) {
-    if (isToTrash)
-        return count == 1 ? tr("Move 1 entry to the trash?")
-                          : tr("Move %Ln entries to the trash?", nullptr, count);
-    return count == 1 ? tr("1 entry, %1, goes for good.")
-                      : tr("%Ln entries, %1, go for good.", nullptr, count);
-}
-
 QString SameFileDeleteViewController::folderConsequence() const {
     const TickedFolders ticked = tickedFolders();
     if (ticked.folders == 0) return {};
-    const QString files =
-        ticked.files == 1 ? tr("1 file") : tr("%Ln files", nullptr, static_cast<int>(ticked.files));
+    const QString files = countedEntries({static_cast<std::size_t>(ticked.files), 0});
     return ticked.folders == 1 ? tr("1 of them is a folder: all that is in it goes, %1.").arg(files)
                                : tr("%Ln of them are folders: all that is in them goes, %1.",
                                     nullptr, static_cast<int>(ticked.folders))

@@ -10,6 +10,7 @@
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
 #include "ui/duplicates/duplicatePreview.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/controls/PictureView.h"
@@ -116,14 +117,14 @@ void SameFileDeleteViewController::boxClicked(const TreeNode::Pointer& node,
 }
 
 void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf) {
-    switch (m_selection.clickLeaf(leaf)) {
+    switch (m_selection.clickLeaf(leaf, m_results.inFolders())) {
         case LeafClick::Protected: break;
         case LeafClick::Cleared: setSelectCount(); break;
         case LeafClick::Ticked: fly(leaf); break;
         case LeafClick::Question: {
             Alert question;
             question.title = tr("Are you sure you want to delete all the duplicate files?");
-            question.text = QStringLiteral(" ");
+            question.text = whatTicksTake(*leaf);
             question.buttons = QStringList{tr("OK"), tr("Cancel")};
             question.cancelButton = 1;
             question.severity = Alert::Severity::Warning;
@@ -138,13 +139,24 @@ void SameFileDeleteViewController::setSelectState(const TreeNode::Pointer& leaf)
     }
 }
 
+// The question speaks of files, and a folder may be the last copy of more than one group.
+QString SameFileDeleteViewController::whatTicksTake(const TreeNode& leaf) const {
+    const FolderFacts* const folder = simpleData(leaf)->wholeFolder();
+    if (folder == nullptr) return QStringLiteral(" ");
+    const QString files = countedEntries({static_cast<std::size_t>(folder->files), 0});
+    const auto lost = static_cast<int>(DuplicateSelection::groupsLost(leaf, m_results.inFolders()));
+    return tr("It is a folder: all that is in it goes, %1.").arg(files) + QLatin1Char('\n') +
+           (lost == 1 ? tr("1 group loses all its copies.")
+                      : tr("%Ln groups lose all their copies.", nullptr, lost));
+}
+
 void SameFileDeleteViewController::alertEnded_context(int code, const TreeNode::Pointer& leaf,
                                                       std::uint64_t resultNumber) {
     // The tree, or the leaf's place in it, may have gone while the question stood.
     if (code != 1 || resultNumber != m_resultNumber || leaf->nodeParent() == nullptr ||
         !bSearchFinished())
         return;
-    m_selection.tickLast(leaf);
+    m_selection.tickLast(leaf, m_results.inFolders());
     m_selection.clearGoing(m_results.inFolders());
     changeAllSelectCheckBoxState();
     m_model->refresh();

@@ -14,6 +14,7 @@
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/duplicates/shareWords.h"
 #include "ui/duplicates/trashWords.h"
 #include "ui/kit/chrome/HoverButton.h"
@@ -80,10 +81,15 @@ QStringList SameFileDeleteViewController::consequences() const {
     else if (outside > 1)
         lines << tr("%Ln of them lie outside of the folder that was searched.", nullptr, outside);
     if (const QString folders = folderConsequence(); !folders.isEmpty()) lines << folders;
+    // Where there are no folders a group's own state says it.
+    const bool areFolders = m_results.hasWholeFolders();
+    const auto losesItsLast = [areFolders](const TreeNode& group) {
+        return areFolders ? losesAll(group) : simpleData(group)->selectNum() == 1;
+    };
     int whole = 0;
     if (const TreeNode* const all = m_results.tree(0))
         for (std::size_t i = 0; i < all->numberOfChildren(); ++i)
-            whole += simpleData(*all->childAtIndex(i))->selectNum() == 1 ? 1 : 0;
+            whole += losesItsLast(*all->childAtIndex(i)) ? 1 : 0;
     if (whole == 1) lines << tr("1 group loses all its copies.");
     else if (whole > 1) lines << tr("%Ln groups lose all their copies.", nullptr, whole);
     return lines;
@@ -91,15 +97,13 @@ QStringList SameFileDeleteViewController::consequences() const {
 
 Alert SameFileDeleteViewController::questionAboutTicked(bool isToTrash) const {
     const TickedSums& sums = m_selection.sums();
-    const auto count = static_cast<int>(sums.copies);
+    const std::size_t folders = tickedFolders().folders;
+    const EntryCounts counts{sums.copies - std::min(folders, sums.copies), folders};
     const QString size = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
     QStringList lines = consequences();
-    const bool areFiles = tickedFolders().folders == 0;
     Alert question = removalQuestion();
     if (isToTrash) {
-        question.title = !areFiles    ? entriesQuestion(true, count)
-                         : count == 1 ? tr("Move 1 file to the trash?")
-                                      : tr("Move %Ln files to the trash?", nullptr, count);
+        question.title = tr("Move %1 to the trash?").arg(countedEntries(counts));
         question.isDestructive = false;
         question.severity = Alert::Severity::Information;
         question.buttons.front() = tr("Move to Trash");
@@ -107,10 +111,7 @@ Alert SameFileDeleteViewController::questionAboutTicked(bool isToTrash) const {
                           .arg(size));
     } else {
         question.buttons << tr("Move to Trash");
-        lines.prepend((!areFiles    ? entriesQuestion(false, count)
-                       : count == 1 ? tr("1 file, %1, goes for good.")
-                                    : tr("%Ln files, %1, go for good.", nullptr, count))
-                          .arg(size));
+        lines.prepend(goForGoodText(counts, sums.bytes));
     }
     question.text = lines.join(QLatin1Char('\n'));
     return question;
@@ -171,9 +172,13 @@ void SameFileDeleteViewController::undoEnded(const UndoErrand::Result& result) {
     enter(State::Result);
     setRemoveButtonState();
     if (result) {
-        std::size_t before = 0;  // of a run that was stopped
-        if (m_removal->undone) before = m_removal->undone->restored.size();
+        std::size_t before = 0, foldersBefore = 0;  // of a run that was stopped
+        if (m_removal->undone) {
+            before = m_removal->undone->restored.size();
+            foldersBefore = m_removal->undone->restoredFolders;
+        }
         m_removal->undone = *result;
+        m_removal->undone->restoredFolders += foldersBefore;
         m_removal->undone->restored.resize(before + result->restored.size());
         m_removal->undone->inPlace -= std::min(before, m_removal->undone->inPlace);
     }

@@ -196,6 +196,7 @@ private:
     [[nodiscard]] QString selectedWords(bool isAnything) const;
     void boxClicked(const TreeNode::Pointer& node, const QModelIndex& index);
     void setSelectState(const TreeNode::Pointer& leaf);
+    [[nodiscard]] QString whatTicksTake(const TreeNode& leaf) const;
     void alertEnded_context(int code, const TreeNode::Pointer& leaf, std::uint64_t resultNumber);
     void fly(const TreeNode::Pointer& leaf);
     void callBackDeleteItemWithIndex() override;
@@ -225,7 +226,6 @@ private:
     void showPartly();
     [[nodiscard]] SearchRequest requestFor(const PartlyEqual& pair) const;
     [[nodiscard]] QString folderConsequence() const;
-    [[nodiscard]] static QString entriesQuestion(bool isToTrash, int count);
     void keepBy(KeepRule rule);
     void chooseKeptFolder();
     [[nodiscard]] std::string folderOfRow(const QModelIndex& index) const;

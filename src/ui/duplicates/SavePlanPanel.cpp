@@ -10,6 +10,7 @@
 
 #include "engine/text/UtilityFunction.h"
 #include "platform/paths.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TextImageButton.h"
 #include "ui/kit/controls/numberText.h"
@@ -33,14 +34,13 @@ SavePlanPanel::SavePlanPanel(const PlanSums& sums, const LeftOutOfPlan& left, co
     auto* const title = makeLabel("savePlanTitle", Theme::Text::Heading);
     title->setText(tr("Save what is ticked as a plan"));
     title->setAlignment(Qt::AlignLeading);
-    const auto count = static_cast<int>(sums.entries());
     const QString size = shownSize(UtilityFunction::convertVolSpace(sums.bytes));
     QStringList lines;
-    if (count == 1)
-        lines << tr("1 file, %1. It goes when the plan is opened and confirmed.").arg(size);
-    else if (count > 1)
-        lines << tr("%Ln files, %1. They go when the plan is opened and confirmed.", nullptr, count)
-                     .arg(size);
+    if (sums.entries() > 0)
+        lines << (sums.entries() == 1
+                      ? tr("%1, %2. It goes when the plan is opened and confirmed.")
+                      : tr("%1, %2. They go when the plan is opened and confirmed."))
+                     .arg(countedEntries({sums.files, sums.bundles}), size);
     if (left.groups == 1)
         lines << tr("1 group is left out: all its copies are ticked, and a plan keeps one.");
     else if (left.groups > 1)

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 
 #include "engine/text/UtilityFunction.h"
+#include "ui/duplicates/entryWords.h"
 #include "ui/kit/controls/numberText.h"
 #include "ui/kit/controls/pathText.h"
 #include "ui/kit/dialogs/LineList.h"
@@ -20,10 +21,8 @@ struct TrashWords {
 QString movedText(const RemovalOutcome& outcome) {
     if (outcome.removed == 0) return {};
     const QString size = shownSize(UtilityFunction::convertVolSpace(outcome.bytes));
-    return (outcome.removed == 1
-                ? TrashWords::tr("1 file, %1 moved")
-                : TrashWords::tr("%Ln files, %1 moved", nullptr, static_cast<int>(outcome.removed)))
-        .arg(size);
+    return TrashWords::tr("%1, %2 moved")
+        .arg(countedEntries({outcome.removed - outcome.folders, outcome.folders}), size);
 }
 
 QString unmovedText(const RemovalOutcome& outcome) {
@@ -32,12 +31,13 @@ QString unmovedText(const RemovalOutcome& outcome) {
 }
 
 QString backText(const UndoOutcome& outcome) {
-    const auto count = static_cast<int>(outcome.restored.size());
-    if (count == 0)
+    const EntryCounts back{outcome.restored.size() - outcome.restoredFolders,
+                           outcome.restoredFolders};
+    if (back.all() == 0)
         return outcome.inPlace != 0 ? TrashWords::tr("Nothing was left to bring back")
                                     : TrashWords::tr("Nothing came back");
-    return count == 1 ? TrashWords::tr("1 file is back")
-                      : TrashWords::tr("%Ln files are back", nullptr, count);
+    return (back.all() == 1 ? TrashWords::tr("%1 is back") : TrashWords::tr("%1 are back"))
+        .arg(countedEntries(back));
 }
 
 QString leftText(const UndoOutcome& outcome) {

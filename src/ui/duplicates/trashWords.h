@@ -9,7 +9,7 @@
 
 namespace orrinvale {
 
-/// "1,090 files, 127 MB moved"; empty where nothing went.
+/// "1 folder and 1,090 files, 127 MB moved"; empty where nothing went.
 [[nodiscard]] QString movedText(const RemovalOutcome& outcome);
 
 /// "2 could not be moved"; empty where everything went.

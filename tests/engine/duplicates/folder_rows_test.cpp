@@ -5,8 +5,8 @@
 
 #include "engine/duplicates/RandomTree.h"
 #include "engine/duplicates/keep/KeepTicks.h"
-#include "engine/duplicates/plan/makePlan.h"
 #include "engine/duplicates/plan/UndoableRemoval.h"
+#include "engine/duplicates/plan/makePlan.h"
 #include "engine/duplicates/plan/planOfTicks.h"
 #include "engine/duplicates/results/GainOrder.h"
 #include "engine/duplicates/results/GoneFolders.h"
@@ -68,13 +68,13 @@ struct FolderResult {
     }
     LeafClick tick(const std::string& path) { return tick(leaf(path)); }
     LeafClick tick(const Pointer& leaf) {
-        const LeafClick click = selection.clickLeaf(leaf);
+        const LeafClick click = selection.clickLeaf(leaf, views.inFolders());
         selection.clearGoing(views.inFolders());
         return click;
     }
     void insist(const std::string& path) {
         EXPECT_EQ(tick(path), LeafClick::Question);
-        selection.tickLast(leaf(path));
+        selection.tickLast(leaf(path), views.inFolders());
         selection.clearGoing(views.inFolders());
     }
     void keep(const KeepRules& rules) {
@@ -173,6 +173,28 @@ TEST_F(WholeFolders, HideNoTickOfWhatLiesInTheEqualThatStays) {
     EXPECT_EQ(group().substr(0, 2), "0 ");
 }
 
+TEST_F(WholeFolders, TakeTheLastCopyOfOthersOnlyWhereThatWasAsked) {
+    on.search({"f"});
+    const Pointer group = on.all().lastChild();
+    const auto state = [&] { return simpleData(*group)->selectNum(); };
+    on.tick("f/a/x"), on.tick("f/c/x");
+    EXPECT_EQ(on.tick("f/b"), LeafClick::Question) << "the last clear copy lies in it";
+    EXPECT_EQ(on.seen(), "folders: f/a f/b\np: f/c/p f/d/p\nx: f/a/xx f/b/x f/c/xx\n");
+    EXPECT_FALSE(losesAll(*group));
+    on.insist("f/b");
+    EXPECT_TRUE(losesAll(*group) && state() == 1) << "as where each of them was ticked";
+    EXPECT_EQ(on.tick("f/b"), LeafClick::Cleared);
+    EXPECT_TRUE(!losesAll(*group) && state() == 2);
+
+    // Nobody asks at a box of many and at a rule: then a tick gives way.
+    on.selection.tickAllBut(*on.leaf("f/a"));
+    on.selection.clearGoing(on.views.inFolders());
+    EXPECT_EQ(on.seen(), "folders: f/a f/bx\np: f/c/p f/d/p\nx: f/a/xx f/b/x- f/c/x\n");
+    EXPECT_EQ(simpleData(*group)->showSelectNumStr(), "1/3");
+    EXPECT_EQ(on.selection.sums().copies, 2U);
+    EXPECT_EQ(on.selection.allSelectNumArr().size(), 2U);
+}
+
 TEST_F(WholeFolders, GoOnlyAsTheSearchSawThem) {
     using Result = FolderResult;
     const std::string changed = ": changed since the scan",
@@ -226,7 +248,11 @@ TEST_F(WholeFolders, GoOnlyAsTheSearchSawThem) {
         {"the other two names of a file, as the person insisted",
          [](Result& r) { r.tick("f/a/x"), r.tick("f/b"), r.insist("f/c/x"); },
          {},
-         {"f/b: -", "f/a/x: -", "f/c/x" + none}},
+         {"f/b: -", "f/a/x: -", "f/c/x: -"}},
+        {"the last copy of a file with the folder, as the person insisted",
+         [](Result& r) { r.tick("f/a/x"), r.tick("f/c/x"), r.insist("f/b"); },
+         {},
+         {"f/b: -", "f/a/x: -", "f/c/x: -"}},
     };
     for (const auto& [what, ticks, since, results, isTimeless] : cases) {
         TestTree own;
@@ -344,6 +370,8 @@ std::set<std::string> contentsIn(const std::string& folder) {
     return contents;
 }
 
+bool losesEach(const Pointer& group) { return losesAll(*group); }
+
 TEST(WholeFolderRows, AreDecidedAsInTheTerminalAndLoseNothing) {
     for (unsigned seed = 1; seed <= 60; ++seed) {
         TestTree tree;
@@ -356,6 +384,7 @@ TEST(WholeFolderRows, AreDecidedAsInTheTerminalAndLoseNothing) {
         on.keep(rules);
         DuplicatePlan ticked = planOfTicks(on.selection.allSelectNumArr().entries(), origin);
         EXPECT_EQ(decidedIn(ticked), decidedIn(makePlan(on.found, origin))) << seed;
+        EXPECT_FALSE(std::ranges::any_of(on.all().children(), losesEach)) << seed;
 
         // And by boxes, at random.
         std::mt19937 random(seed);
@@ -363,6 +392,7 @@ TEST(WholeFolderRows, AreDecidedAsInTheTerminalAndLoseNothing) {
         for (const Pointer& group : on.all().children())
             for (const Pointer& leaf : group->children())
                 if (random() % 2 == 0) on.tick(leaf);
+        EXPECT_FALSE(std::ranges::any_of(on.all().children(), losesEach)) << seed;
         const auto before = contentsIn(tree.at("f"));
         const Strings results = on.remove();
         EXPECT_EQ(contentsIn(tree.at("f")), before)

@@ -109,9 +109,10 @@ TEST_F(WholeFoldersShown, AreTickedAskedAboutAndRemovedAsOne) {
     on.tick("x", "f/c/x");
 
     ASSERT_TRUE(on.remove());
-    EXPECT_EQ(on.dialogs.alerts().back().text.toStdString(),
-              "2 entries, 4.01 KB, go for good.\n1 of them is a folder: all that is in it goes, 3 "
-              "files.");
+    EXPECT_EQ(
+        on.dialogs.alerts().back().text.toStdString(),
+        "1 folder and 1 file, 4.01 KB, go for good.\n1 of them is a folder: all that is in it "
+        "goes, 3 files.");
     EXPECT_FALSE(there("f/b") || there("f/c/x"));
     EXPECT_TRUE(there("f/a/x") && there("f/a/sub/y") && there("f/a/.h"));
     EXPECT_EQ(on.model().rowCount(), 3) << "one copy of x is left, and no duplicate";
@@ -172,11 +173,34 @@ TEST_F(WholeFoldersShown, MoveToTheTrashAndBackAndIntoAPlan) {
     QEvent activated(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&on.control("detailView"), &activated);
     ASSERT_TRUE(on.remove());
-    EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("Move 1 entry to the trash?"));
+    EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("Move 1 folder to the trash?"));
+    EXPECT_EQ(on.textOf("removedLine"), "1 folder, 3.01 KB moved");
     EXPECT_FALSE(there("f/a"));
     on.click("undoBtn");
     ASSERT_SOON(on.page().bSearchFinished() && there("f/a/sub/y"));
     EXPECT_TRUE(there("f/a/.h") && there("f/a/x"));
+    EXPECT_EQ(on.textOf("removedLine"), "1 folder is back");
+}
+
+// Nobody loses the last copy of a file by a tick over a folder without having been asked.
+TEST_F(WholeFoldersShown, AskBeforeTheyTakeTheLastCopyOfAFile) {
+    ASSERT_TRUE(find());
+    on.tick("x", "f/a/x");
+    on.tick("x", "f/c/x");
+    on.dialogs.willAnswer(1);
+    on.tick(folder("f/b"));
+    EXPECT_EQ(on.dialogs.alerts().back().text.toStdString(),
+              "It is a folder: all that is in it goes, 3 files.\n1 group loses all its copies.");
+    EXPECT_EQ(on.textOf("titleLabel"), "11 entries in f, selected 2 entries in All.");
+    on.dialogs.willAnswer(0);
+    on.tick(folder("f/b"));
+    ASSERT_SOON(on.textOf("titleLabel") == "11 entries in f, selected 3 entries in All.");
+    ASSERT_TRUE(on.remove());
+    EXPECT_EQ(
+        on.dialogs.alerts().back().text.toStdString(),
+        "1 folder and 2 files, 5.01 KB, go for good.\n1 of them is a folder: all that is in it "
+        "goes, 3 files.\n1 group loses all its copies.");
+    EXPECT_FALSE(there("f/a/x") || there("f/b") || there("f/c/x"));
 }
 
 // Of a plan that was kept with whole folders, done where their files stand as rows.
@@ -188,6 +212,8 @@ TEST_F(WholeFoldersShown, TakeTheRowsOfTheirFilesAlongInAnyList) {
         return on.window->window()->findChild<QWidget*>(QString::fromUtf8(name));
     };
     ASSERT_SOON(sheet("savePlanPanel") != nullptr);
+    EXPECT_EQ(on.textOf("savePlanText"),
+              "1 folder, 3.01 KB. It goes when the plan is opened and confirmed.");
     on.control<QLineEdit>("planPath").setText(QString::fromStdString(on.tree.at("plan.json")));
     on.click("savePlan");
     ASSERT_SOON(sheet("savePlanPanel") == nullptr);
@@ -199,9 +225,11 @@ TEST_F(WholeFoldersShown, TakeTheRowsOfTheirFilesAlongInAnyList) {
     on.dialogs.willChoose({on.tree.at("plan.json")});
     QTest::keyClick(&on.control("outline"), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_SOON(sheet("planPanel") != nullptr);
+    EXPECT_TRUE(on.textOf("planText").starts_with("1 folder, 3.01 KB, can go. A copy of it"));
     on.dialogs.willAnswer(0);
     on.click("planRemove");
     ASSERT_SOON(on.page().bSearchFinished() && !there("f/a"));
+    EXPECT_EQ(on.dialogs.alerts().back().text, QStringLiteral("1 folder, 3.01 KB, goes for good."));
     ASSERT_SOON(on.model().rowCount(on.row("x")) == 2);
     EXPECT_EQ(names().find("y "), std::string::npos) << "its other copy is alone";
 }

@@ -291,6 +291,7 @@ void UndoRun::bringBack(const PlanMember& member, UndoOutcome& outcome) {
         choice.found->isBack = !notBack;
         if (!notBack) {
             outcome.restored.push_back(member.path);
+            outcome.restoredFolders += member.identity.type == FileType::Folder ? 1U : 0U;
             return;
         }
         if (notBack->isOtherOut) {

@@ -32,7 +32,8 @@ struct UndoOutcome {
         std::string reason;
     };
     std::vector<std::string> restored;
-    std::size_t inPlace = 0;  ///< never left, or were back already
+    std::size_t restoredFolders = 0;  ///< of these
+    std::size_t inPlace = 0;          ///< never left, or were back already
     std::vector<Left> left;
     bool stopped = false;
 };

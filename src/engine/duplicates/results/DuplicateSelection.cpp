@@ -57,7 +57,50 @@ std::size_t countGoing(const TreeNode& group) {
     return count;
 }
 
+bool liesIn(const SimpleNodeData& leaf, const SimpleNodeData& folder) {
+    const FolderTies* ties = leaf.folderTies();
+    while (ties != nullptr && ties->within != nullptr && ties->within.get() != &folder)
+        ties = ties->within->folderTies();
+    return ties != nullptr && ties->within != nullptr;
+}
+
+// `each(group)` once for each group that has one of the leaves.
+template <class Each> void forGroups(DuplicateSelection::Leaves inFolders, Each each) {
+    const TreeNode* last = nullptr;
+    for (const TreeNode::Pointer& leaf : inFolders) {
+        TreeNode* const group = leaf->nodeParent();
+        if (group != nullptr && group != last) each(*group);
+        last = group;
+    }
+}
+
+// What is ticked elsewhere may have left a group no other copy than those in the folder.
+std::size_t othersLost(const SimpleNodeData& folder, DuplicateSelection::Leaves inFolders) {
+    std::size_t lost = 0;
+    forGroups(inFolders, [&](const TreeNode& group) {
+        if (simpleData(group)->selectNum() != 2) return;
+        bool holdsCopy = false;
+        bool losesEach = true;
+        for (std::size_t i = 0; i < group.numberOfChildren() && losesEach; ++i) {
+            const SimpleNodeData& copy = *simpleData(*group.childAtIndex(i));
+            const bool isInIt = liesIn(copy, folder);
+            holdsCopy |= isInIt;
+            losesEach = isInIt || copy.selectNum() == 1 || quickHold(copy) == FolderHold::Goes;
+        }
+        lost += holdsCopy && losesEach ? 1U : 0U;
+    });
+    return lost;
+}
+
 }  // namespace
+
+bool losesAll(const TreeNode& group) {
+    for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
+        if (const SimpleNodeData& copy = *simpleData(*group.childAtIndex(i));
+            copy.selectNum() != 1 && quickHold(copy) != FolderHold::Goes)
+            return false;
+    return group.numberOfChildren() != 0;
+}
 
 void TickedLeaves::remove(const TreeNode* leaf) {
     std::erase_if(m_entries,
@@ -85,10 +128,9 @@ void TickedLeaves::removeOrphans() {
                   [](const TreeNode::Pointer& entry) { return entry->nodeParent() == nullptr; });
 }
 
-LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
+LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf, Leaves inFolders) {
     TreeNode& group = *leaf->nodeParent();
     SimpleNodeData& data = *simpleData(*leaf);
-    const std::size_t copies = group.numberOfChildren();
     if (data.isProtected() || quickHold(data) == FolderHold::Goes) return LeafClick::Protected;
     if (data.selectNum() == 1) {
         clear(data);
@@ -98,19 +140,32 @@ LeafClick DuplicateSelection::clickLeaf(const TreeNode::Pointer& leaf) {
         return LeafClick::Cleared;
     }
     const std::size_t ticked = countTicked(group);
-    if (ticked + 1 + countGoing(group) >= copies) return LeafClick::Question;
+    if (groupsLost(*leaf, inFolders) != 0) return LeafClick::Question;
     tick(leaf);
     showGroup(group, 2, ticked + 1);
     return LeafClick::Ticked;
 }
 
-void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf) {
+std::size_t DuplicateSelection::groupsLost(const TreeNode& leaf, Leaves inFolders) {
+    const TreeNode& group = *leaf.nodeParent();
+    const bool isLastOfItsOwn =
+        countTicked(group) + 1 + countGoing(group) >= group.numberOfChildren();
+    const SimpleNodeData& data = *simpleData(leaf);
+    return (isLastOfItsOwn ? 1U : 0U) +
+           (data.wholeFolder() != nullptr ? othersLost(data, inFolders) : 0U);
+}
+
+void DuplicateSelection::tickLast(const TreeNode::Pointer& leaf, Leaves inFolders) {
     const SimpleNodeData& data = *simpleData(*leaf);
     if (data.selectNum() == 1 || data.isProtected() || quickHold(data) == FolderHold::Goes) return;
     tick(leaf);
     TreeNode& group = *leaf->nodeParent();
-    const std::size_t ticked = countTicked(group);
-    showGroup(group, ticked == group.numberOfChildren() ? 1 : 2, ticked);
+    showGroup(group, losesAll(group) ? 1 : 2, countTicked(group));
+    if (data.wholeFolder() == nullptr) return;
+    forGroups(inFolders, [](TreeNode& other) {
+        if (simpleData(other)->selectNum() == 2 && losesAll(other))
+            showGroup(other, 1, countTicked(other));
+    });
 }
 
 void DuplicateSelection::clickGroup(TreeNode& group) {
@@ -207,20 +262,44 @@ void DuplicateSelection::tickInHeader(TreeNode& group) {
     showGroup(group, ticked == 0 && isHeldBack ? 0 : 2, ticked);
 }
 
-void DuplicateSelection::clearGoing(std::span<const TreeNode::Pointer> leaves) {
+// The folders first: one that is cleared may be what others would go with.
+void DuplicateSelection::clearGoing(Leaves inFolders) {
+    for (const bool areFolders : {true, false}) clearGoing(inFolders, areFolders);
+}
+
+void DuplicateSelection::clearGoing(Leaves inFolders, bool isOfFolders) {
     bool isAnyCleared = false;
-    for (const TreeNode::Pointer& leaf : leaves) {
+    for (const TreeNode::Pointer& leaf : inFolders) {
         SimpleNodeData& data = *simpleData(*leaf);
         if (leaf->nodeParent() == nullptr || data.selectNum() != 1 ||
-            quickHold(data) != FolderHold::Goes)
+            (data.wholeFolder() != nullptr) != isOfFolders || quickHold(data) != FolderHold::Goes)
             continue;
         clear(data);
         isAnyCleared = true;
-        TreeNode& group = *leaf->nodeParent();
-        const std::size_t ticked = countTicked(group);
-        showGroup(group, ticked == 0 ? 0 : 2, ticked);
     }
+    forGroups(inFolders, [&](TreeNode& group) {
+        const SimpleNodeData& data = *simpleData(group);
+        if (data.selectNum() != 0 && (data.wholeFolder() != nullptr) == isOfFolders)
+            isAnyCleared |= settle(group);
+    });
     if (isAnyCleared) m_ticked.removeClear();
+}
+
+// All copies of a group go only where that was asked for. True when it has one tick less.
+bool DuplicateSelection::settle(TreeNode& group) {
+    const bool wasWhole = simpleData(group)->selectNum() == 1;
+    const bool isWhole = losesAll(group);
+    std::size_t ticked = countTicked(group);
+    const bool hasOneTooMany = isWhole && !wasWhole && ticked != 0;
+    for (std::size_t i = group.numberOfChildren(); i-- > 0 && hasOneTooMany;) {
+        SimpleNodeData& copy = *simpleData(*group.childAtIndex(i));
+        if (copy.selectNum() != 1) continue;
+        clear(copy);
+        --ticked;
+        break;
+    }
+    showGroup(group, ticked == 0 ? 0 : wasWhole && isWhole ? 1 : 2, ticked);
+    return hasOneTooMany;
 }
 
 void DuplicateSelection::clearTree(TreeNode& tree) {

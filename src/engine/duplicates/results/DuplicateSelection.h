@@ -44,8 +44,8 @@ enum class LeafClick {
     Ticked,
     Cleared,
     Protected,  ///< nothing changed: it lies in a protected folder, or in a folder that is ticked
-    Question    ///< nothing changed: it is the last clear copy of its group, so ask, and then call
-                ///< tickLast()
+    Question    ///< nothing changed: no copy of its group, or of one that has a copy in the folder,
+                ///< would be left, so ask, and then call tickLast()
 };
 
 /// The box over the list: on or off, its picture, and the count of copies in the view.
@@ -62,16 +62,29 @@ struct TickedSums {
     std::uint64_t bytes = 0;  ///< that their removal gives back, see GainCount
 };
 
+/// Whether no copy of the group stays by what is ticked: each goes by its own tick or with a
+/// folder.
+[[nodiscard]] bool losesAll(const TreeNode& group);
+
 /// Keeps `selectNum` and `showSelectNumStr` of leaves and groups true. What is protected is never
 /// ticked, whoever asks, and is the copy that stays where one is left out. What lies in a folder
 /// that is ticked is neither; what lies in an equal of that is ticked by its own box alone. Main
 /// thread only.
 class DuplicateSelection final {
 public:
-    [[nodiscard]] LeafClick clickLeaf(const TreeNode::Pointer& leaf);
+    /// `inFolders`: the leaves that lie in folders, as ResultViews has them, a group's next to each
+    /// other.
+    using Leaves = std::span<const TreeNode::Pointer>;
 
-    /// Ticks the last clear copy of a group: the person insists.
-    void tickLast(const TreeNode::Pointer& leaf);
+    [[nodiscard]] LeafClick clickLeaf(const TreeNode::Pointer& leaf, Leaves inFolders = {});
+
+    /// How many groups lose all their copies when this leaf is ticked, for which nobody has asked
+    /// yet.
+    [[nodiscard]] static std::size_t groupsLost(const TreeNode& leaf, Leaves inFolders);
+
+    /// Ticks what takes the last copy of a group: the person insists, for all groups that lose
+    /// theirs by it.
+    void tickLast(const TreeNode::Pointer& leaf, Leaves inFolders = {});
 
     /// Clears a group that has ticks; ticks all copies but the last, in the present order, of one
     /// that has none.
@@ -88,8 +101,9 @@ public:
     /// was ticked before, or clears the view.
     void setAll(TreeNode& tree, bool on);
 
-    /// Clears those of the leaves that lie in a folder that is ticked by now: they go with it.
-    void clearGoing(std::span<const TreeNode::Pointer> leaves);
+    /// Clears those of the leaves that lie in a folder that is ticked by now: they go with it. A
+    /// group that would lose all its copies by that, which nobody has asked for, has one tick less.
+    void clearGoing(Leaves inFolders);
 
     /// Clears every leaf and group of the view.
     void clearTree(TreeNode& tree);
@@ -115,6 +129,8 @@ private:
     void clear(SimpleNodeData& leaf);
     void clearLeaves(TreeNode& group, std::size_t shownCount);
     void tickInHeader(TreeNode& group);
+    void clearGoing(Leaves inFolders, bool isOfFolders);
+    [[nodiscard]] bool settle(TreeNode& group);
     void count(const SimpleNodeData& leaf, bool isTicked);
 
     TickedLeaves m_ticked;

@@ -7,6 +7,7 @@
 
 #include "engine/duplicates/folders/FolderRows.h"
 #include "engine/duplicates/results/BundleLook.h"
+#include "engine/duplicates/results/DuplicateSelection.h"
 #include "engine/removal/stayReasons.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -71,7 +72,7 @@ void RemovalPlan::foldersFirst() {
 void RemovalPlan::addGroup(const TreeNode& node, const std::unordered_set<const TreeNode*>& ticked,
                            std::unordered_map<const TreeNode*, Place>& places) {
     Group group;
-    group.whollyTicked = simpleData(node)->selectNum() == 1;
+    group.whollyTicked = simpleData(node)->selectNum() == 1 && losesAll(node);
     for (std::size_t i = 0; i < node.numberOfChildren(); ++i) {
         const TreeNode& child = *node.childAtIndex(i);
         const auto& data = simpleData(child);
