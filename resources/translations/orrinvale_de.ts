@@ -3586,6 +3586,22 @@ Freie Software unter der Apache License 2.0.</translation>
             <numerusform>%1, je %Ln Dateien</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Looking at what is in it…</source>
+        <translation>Der Inhalt wird gelesen …</translation>
+    </message>
+    <message>
+        <source>What is in it can not be told: %1</source>
+        <translation>Der Inhalt lässt sich nicht zeigen: %1</translation>
+    </message>
+    <message>
+        <source>Nothing is in it any more</source>
+        <translation>Es liegt nichts mehr darin</translation>
+    </message>
+    <message>
+        <source>Goes or stays with the folder %1</source>
+        <translation>Geht oder bleibt mit dem Ordner %1</translation>
+    </message>
 </context>
 <context>
     <name>orrinvale::FastClean</name>
@@ -5279,6 +5295,14 @@ Freie Software unter der Apache License 2.0.</translation>
     <message>
         <source>Nothing here takes its space twice any more.</source>
         <translation>Nichts belegt hier seinen Platz mehr doppelt.</translation>
+    </message>
+    <message>
+        <source>Hide What Is in It</source>
+        <translation>Inhalt verbergen</translation>
+    </message>
+    <message>
+        <source>Show What Is in It</source>
+        <translation>Inhalt zeigen</translation>
     </message>
     <message>
         <source>It is a folder: all that is in it goes, %1.</source>

@@ -140,6 +140,12 @@ bool DuplicateScenes::drawFolders() {
     outline()->collapseAll();
     for (const char* const name : {"Photos 2024", "IMG_1003"})
         outline()->expand(groupNamed(name).siblingAtColumn(0));
+    // The copy that stays is open too.
+    const QModelIndex stays =
+        outline()->model()->index(1, 0, groupNamed("Photos 2024").siblingAtColumn(0));
+    outline()->expand(stays);
+    if (!waitFor("what is in a folder", [&] { return outline()->model()->rowCount(stays) > 1; }))
+        return false;
     outline()->setCurrentIndex(groupNamed("Photos 2024"));
     outline()->scrollToTop();
     const auto* const remove = m_window->findChild<QAbstractButton*>(QStringLiteral("stopBtn"));

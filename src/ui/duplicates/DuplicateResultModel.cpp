@@ -30,7 +30,17 @@ constexpr quintptr groupMark = quintptr{1} << (std::numeric_limits<quintptr>::di
 quintptr groupId(int row) { return (quintptr(0) - quintptr(14) * quintptr(row)) | groupMark; }
 quintptr copyId(int groupRow) { return 2 * quintptr(groupRow) + 1; }
 
+// What is in a folder has a mark of its own, and an odd number too.
+constexpr quintptr entryMark = groupMark >> 1U;
+quintptr entryId(std::size_t place) { return (2 * quintptr(place) + 1) | entryMark; }
+
 bool isTopLevel(const QModelIndex& index) { return (index.internalId() & groupMark) != 0; }
+bool isEntry(const QModelIndex& index) {
+    return !isTopLevel(index) && (index.internalId() & entryMark) != 0;
+}
+std::size_t placeOf(const QModelIndex& entry) {
+    return std::size_t((entry.internalId() & ~entryMark) / 2);
+}
 int groupRowOf(const QModelIndex& copy) { return static_cast<int>(copy.internalId() / 2); }
 
 QString shortDate(const std::optional<Date>& date) {
@@ -67,6 +77,19 @@ QStringList specialsOf(const SimpleNodeData& data) {
             "One file with %Ln names; its space is free when all of them are gone", nullptr,
             static_cast<int>(data.hardLinks())));
     return specials;
+}
+
+// The folder itself, or one that it lies in.
+const SimpleNodeData* goesAsFolder(const SimpleNodeData& folder) {
+    return folder.selectNum() == 1 ? &folder : goingFolderOf(folder);
+}
+
+// Of what lies in it.
+QString wordsOfEntry(const SimpleNodeData& folder) {
+    const SimpleNodeData* const going = goesAsFolder(folder);
+    return (going != nullptr ? DuplicateResultModel::tr("Goes with the folder %1")
+                             : DuplicateResultModel::tr("Goes or stays with the folder %1"))
+        .arg(QString::fromStdString((going != nullptr ? *going : folder).name()));
 }
 
 // The count of a group without some of its copies ticked is known by heart; drawing it puts it
@@ -134,6 +157,7 @@ DuplicateResultModel::DuplicateResultModel(IconSource icons, BoxClicked boxClick
 void DuplicateResultModel::setTree(TreeNode* tree) {
     beginResetModel();
     m_sharedFolders.clear();
+    m_opened.clear();
     m_tree = tree;
     endResetModel();
 }
@@ -145,6 +169,10 @@ void DuplicateResultModel::reorder(const std::function<void()>& change) {
         nodes;  // the group, and the copy or null
     nodes.reserve(static_cast<std::size_t>(before.size()));
     for (const QModelIndex& index : before) {
+        if (isEntry(index)) {  // whose place moves along
+            nodes.emplace_back(nullptr, nullptr);
+            continue;
+        }
         const int groupRow = isTopLevel(index) ? index.row() : groupRowOf(index);
         nodes.emplace_back(m_tree->childAtIndex(std::size_t(groupRow)).get(),
                            isTopLevel(index) ? nullptr : node(index).get());
@@ -153,14 +181,20 @@ void DuplicateResultModel::reorder(const std::function<void()>& change) {
 
     // Sorted by address: cheaper to make than a table that asks for memory at each group.
     std::vector<std::pair<const TreeNode*, int>> groupRows;
-    if (!before.empty()) groupRows.reserve(m_tree->numberOfChildren());
-    for (int row = 0; row < rowCount() && !before.empty(); ++row)
+    const bool isAnyToFind = !before.empty() || !m_opened.empty();
+    if (isAnyToFind) groupRows.reserve(m_tree->numberOfChildren());
+    for (int row = 0; row < rowCount() && isAnyToFind; ++row)
         groupRows.emplace_back(m_tree->childAtIndex(std::size_t(row)).get(), row);
     std::sort(groupRows.begin(), groupRows.end());
+    placeOpened(groupRows);
     QModelIndexList after;
     after.reserve(before.size());
     for (qsizetype i = 0; i < before.size(); ++i) {
         const auto [group, copy] = nodes[static_cast<std::size_t>(i)];
+        if (group == nullptr) {
+            after.push_back(before[i]);
+            continue;
+        }
         const int column = before[i].column();
         const int groupRow =
             std::lower_bound(groupRows.begin(), groupRows.end(), std::pair(group, 0))->second;
@@ -176,7 +210,7 @@ void DuplicateResultModel::reorder(const std::function<void()>& change) {
 }
 
 const TreeNode::Pointer* DuplicateResultModel::place(const QModelIndex& index) const {
-    if (!index.isValid() || m_tree == nullptr) return nullptr;
+    if (!index.isValid() || m_tree == nullptr || isEntry(index)) return nullptr;
     const auto row = static_cast<std::size_t>(index.row());
     const auto groupRow = isTopLevel(index) ? row : static_cast<std::size_t>(groupRowOf(index));
     if (groupRow >= m_tree->numberOfChildren()) return nullptr;
@@ -191,24 +225,36 @@ TreeNode::Pointer DuplicateResultModel::node(const QModelIndex& index) const {
 }
 
 TreeNode* DuplicateResultModel::rowAt(const QModelIndex& index) const {
+    if (index.isValid() && isEntry(index)) return entryRow(index);
     const TreeNode::Pointer* const found = place(index);
     return found != nullptr && simpleData(**found) != nullptr ? found->get() : nullptr;
 }
 
 QModelIndex DuplicateResultModel::index(int row, int column, const QModelIndex& parent) const {
     if (row < 0 || column < 0 || column >= ColumnCount || row >= rowCount(parent)) return {};
-    return createIndex(row, column, parent.isValid() ? copyId(parent.row()) : groupId(row));
+    if (!parent.isValid()) return createIndex(row, column, groupId(row));
+    if (isTopLevel(parent)) return createIndex(row, column, copyId(parent.row()));
+    const auto place = m_opened.find(node(parent).get());
+    return place ? createIndex(row, column, entryId(*place)) : QModelIndex();
 }
 
 QModelIndex DuplicateResultModel::parent(const QModelIndex& child) const {
     if (!child.isValid() || isTopLevel(child)) return {};
+    if (isEntry(child)) {
+        const OpenedFolders::Folder* const folder = folderOfEntry(child);
+        return folder != nullptr ? indexOf(*folder) : QModelIndex();
+    }
     return createIndex(groupRowOf(child), 0, groupId(groupRowOf(child)));
 }
 
 int DuplicateResultModel::rowCount(const QModelIndex& parent) const {
     if (m_tree == nullptr) return 0;
     if (!parent.isValid()) return static_cast<int>(m_tree->numberOfChildren());
-    if (!isTopLevel(parent) || parent.column() != 0) return 0;
+    if (!isTopLevel(parent)) {
+        const OpenedFolders::Folder* const folder = folderBelow(parent);
+        return folder != nullptr ? static_cast<int>(folder->shown) : 0;
+    }
+    if (parent.column() != 0) return 0;
     const auto row = static_cast<std::size_t>(parent.row());
     return row < m_tree->numberOfChildren()
                ? static_cast<int>(m_tree->childAtIndex(row)->numberOfChildren())
@@ -218,24 +264,29 @@ int DuplicateResultModel::rowCount(const QModelIndex& parent) const {
 Qt::ItemFlags DuplicateResultModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (!isTopLevel(index)) flags |= Qt::ItemNeverHasChildren;
+    if (isEntry(index)) return flags | Qt::ItemNeverHasChildren;
     const TreeNode* const row = rowAt(index);
+    const bool isFolder = row != nullptr && simpleData(*row)->wholeFolder() != nullptr;
+    if (!isTopLevel(index) && !isFolder) flags |= Qt::ItemNeverHasChildren;
     const bool mayTick = row != nullptr && stateOf(*row).has_value();
     if (index.column() == Checkbox && mayTick) flags |= Qt::ItemIsUserCheckable;
     return flags;
 }
 
 std::optional<TickState> DuplicateResultModel::stateOf(const TreeNode& node) const {
+    if (&node == m_entry.get()) return std::nullopt;  // a folder goes as one
     if (simpleData(node)->isProtected() || goingFolderOf(*simpleData(node)) != nullptr)
         return std::nullopt;
     return tickState(QVariant(simpleData(node)->selectNum()));
 }
 
 QString DuplicateResultModel::toolTipOf(const TreeNode& node) const {
+    if (&node == m_entry.get()) return entryTip(node);
     return (QStringList(nameOf(node)) + specialsOf(*simpleData(node))).join(QLatin1Char('\n'));
 }
 
 QString DuplicateResultModel::descriptionOf(const TreeNode& node) const {
+    if (&node == m_entry.get()) return wordsOfEntry(*simpleData(*m_entryFolder->leaf));
     return specialsOf(*simpleData(node)).join(QLatin1Char('\n'));
 }
 
@@ -253,6 +304,9 @@ bool DuplicateResultModel::isStrong(const TreeNode& node) const {
 }
 
 bool DuplicateResultModel::isGrey(const TreeNode& node) const {
+    if (&node == m_entry.get())
+        return !simpleData(node)->iconRep() ||  // words alone
+               goesAsFolder(*simpleData(*m_entryFolder->leaf)) != nullptr;
     return goingFolderOf(*simpleData(node)) != nullptr;
 }
 
@@ -263,9 +317,32 @@ bool DuplicateResultModel::clickBox(const QModelIndex& index) {
     return true;
 }
 
+OpenedFolders::Folder* DuplicateResultModel::folderOfEntry(const QModelIndex& entry) const {
+    return entry.isValid() && isEntry(entry) ? m_opened.at(placeOf(entry)) : nullptr;
+}
+
+QModelIndex DuplicateResultModel::indexOf(const OpenedFolders::Folder& folder) const {
+    return createIndex(folder.row, 0, copyId(folder.group));
+}
+
+// A folder is one whether it is open or not, and whether it was listed yet.
+bool DuplicateResultModel::hasChildren(const QModelIndex& parent) const {
+    if (!parent.isValid() || isTopLevel(parent)) return TickModel::hasChildren(parent);
+    const TreeNode::Pointer* const copy = parent.column() == 0 ? place(parent) : nullptr;
+    return copy != nullptr && simpleData(**copy)->wholeFolder() != nullptr;
+}
+
+// A line that tells how the folder stands has no size and no time.
+QVariant DuplicateResultModel::data(const QModelIndex& index, int role) const {
+    if (index.isValid() && isEntry(index) && role == Qt::DisplayRole &&
+        index.column() != NameColumn && pathInFolder(index).empty())
+        return {};
+    return TickModelOf::data(index, role);
+}
+
 // Of a copy the folder below which all copies of its group lie.
 QString DuplicateResultModel::folderOf(const TreeNode& node) const {
-    if (simpleData(node)->isGroup()) return {};
+    if (simpleData(node)->isGroup() || node.nodeParent() == nullptr) return {};
     const TreeNode& group = *node.nodeParent();
     const auto [found, isNew] = m_sharedFolders.try_emplace(&group);
     if (!isNew) return found->second;

@@ -83,6 +83,7 @@ void SameFileDeleteViewController::keepBy(KeepRule rule) {
 
 // Without links, as far as the search knows; of a group that of its first copy, as everywhere.
 std::string SameFileDeleteViewController::folderOfRow(const QModelIndex& index) const {
+    if (DuplicateResultModel::isInFolder(index)) return folderOfRow(index.parent());
     const std::string path = pathOf(index);
     if (path.empty()) return path;
     TreeNode::Pointer node = m_model->node(index);

@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <chrono>
 
+#include "platform/paths.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViewController.h"
@@ -23,6 +24,10 @@ void SameFileDeleteViewController::shouldSelectItem(const QModelIndex& index) {
 
 // A group has a name and no place on the disk: its first copy stands for it.
 std::string SameFileDeleteViewController::pathOf(const QModelIndex& index) const {
+    if (DuplicateResultModel::isInFolder(index)) {
+        const std::string folder = pathOf(index.parent()), below = m_model->pathInFolder(index);
+        return below.empty() ? folder : joinPath(folder, below);
+    }
     const TreeNode::Pointer node = m_model->node(index);
     if (!node) return {};
     if (!simpleData(*node)->isGroup()) return simpleData(*node)->name();
@@ -66,13 +71,15 @@ void SameFileDeleteViewController::sortTree(int column) {
     showSortIndicator();
     if (!key || m_treeData == nullptr) return;
     finishSorting();  // equal keys keep the order of the sort before
-    const QModelIndex current = m_views->outline->currentIndex();
-    const TreeNode::Pointer chosen =
-        m_model->node(current.parent().isValid() ? current.parent() : current);
+    QModelIndex current = m_views->outline->currentIndex();
+    while (current.parent().isValid()) current = current.parent();
+    const TreeNode::Pointer chosen = m_model->node(current);
     m_model->reorder([&] {
         m_leafSort.begin(*m_treeData, static_cast<SortKey>(*key), m_sortDescending);
-        // The view remembers the chosen row by its place, and nothing of other groups.
+        // The view remembers the chosen row by its place, and folders that are open; nothing of
+        // other groups.
         if (chosen) m_leafSort.sortNow(*chosen);
+        for (TreeNode* const group : m_model->openedGroups()) m_leafSort.sortNow(*group);
         // A small result is sorted when the click is over.
         constexpr std::size_t atOnce = 4096;
         if (m_treeData->numberOfChildren() <= atOnce) m_leafSort.finish();
@@ -107,13 +114,39 @@ QIcon SameFileDeleteViewController::iconOf(const TreeNode& node) const {
     return request && m_parts.icons ? m_parts.icons(*request) : QIcon();
 }
 
+// The view remembers by its place what is open.
+void SameFileDeleteViewController::openFolder(const QModelIndex& index) {
+    const QPersistentModelIndex opened(index);
+    if (!index.parent().isValid()) return;  // a group
+    finishSorting();
+    m_opening->open(opened);
+}
+
+// The current row, over which its menu stood.
+void SameFileDeleteViewController::toggleFolder(std::uint64_t resultNumber) {
+    if (!bSearchFinished() || resultNumber != m_resultNumber) return;
+    ResultOutline& outline = *m_views->outline;
+    const QModelIndex row = outline.currentIndex().siblingAtColumn(0);
+    outline.setExpanded(row, !outline.isExpanded(row));
+}
+
 void SameFileDeleteViewController::showRowMenu(const QModelIndex& index, QPoint position) {
-    const TreeNode::Pointer node = m_model->node(index);
+    const bool isInFolder = DuplicateResultModel::isInFolder(index);
+    const TreeNode::Pointer node = m_model->node(isInFolder ? index.parent() : index);
     if (!node || !bSearchFinished()) return;
     QMenu* const menu = makeRowMenu(m_views->detailView, *this,
                                     {.preview = [this] { openFinderBtnClicked(); },
                                      .reveal = [this] { RevealInFinderBtnClicked(); },
                                      .path = [path = pathOf(index)] { return path; }});
+    if (isInFolder) {
+        menu->popup(position);
+        return;
+    }
+    if (simpleData(*node)->isLeaf() && simpleData(*node)->wholeFolder() != nullptr)
+        menu->addAction(m_views->outline->isExpanded(index.siblingAtColumn(0))
+                            ? tr("Hide What Is in It")
+                            : tr("Show What Is in It"),
+                        this, [this, number = m_resultNumber] { toggleFolder(number); });
     if (simpleData(*node)->isLeaf() && holdOf(*simpleData(*node)) != FolderHold::Goes)
         menu->addAction(
             tr("Tick All but This One"), this, [this, leaf = node, number = m_resultNumber] {

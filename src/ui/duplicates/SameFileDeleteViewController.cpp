@@ -69,6 +69,7 @@ SameFileDeleteViewController::SameFileDeleteViewController(PageServices services
       m_model(std::make_unique<DuplicateResultModel>(
           m_parts.icons, [this](const TreeNode::Pointer& node,
                                 const QModelIndex& index) { boxClicked(node, index); })),
+      m_opening(std::make_unique<FolderOpening>(m_parts, *m_model)),
       m_entrance(m_parts, *this,
                  {.isFree = [this] { return bSearchFinished(); },
                   .wouldForget =
@@ -154,6 +155,8 @@ void SameFileDeleteViewController::connectControls() {
             &Self::shouldSelectItem);
     connect(views.outline->header(), &QHeaderView::sectionClicked, this,
             &Self::didClickTableColumn);
+    connect(views.outline, &QTreeView::expanded, this, &Self::openFolder);
+    connect(views.outline, &QTreeView::collapsed, m_opening.get(), &FolderOpening::close);
     connect(views.outline, &ResultOutline::menuWanted, this, &Self::showRowMenu);
     connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
     startPreview(views, m_parts);

@@ -32,6 +32,7 @@
 #include "engine/duplicates/scope/NamedSearches.h"
 #include "engine/removal/RemovalJob.h"
 #include "platform/fileTypes.h"
+#include "ui/duplicates/FolderOpening.h"
 #include "ui/duplicates/HistoryDesk.h"
 #include "ui/duplicates/PlanDesk.h"
 #include "ui/duplicates/ShareErrand.h"
@@ -276,6 +277,8 @@ private:
     void showFailures();
 
     // One row.
+    void openFolder(const QModelIndex& index);
+    void toggleFolder(std::uint64_t resultNumber);
     void shouldSelectItem(const QModelIndex& index);
     [[nodiscard]] std::string pathOf(const QModelIndex& index) const;
     void didClickTableColumn(int column);
@@ -289,6 +292,7 @@ private:
     const PageServices m_parts;
     std::unique_ptr<SameFileDeleteViews> m_views;
     std::unique_ptr<DuplicateResultModel> m_model;
+    std::unique_ptr<FolderOpening> m_opening;
     SameFileDeleteViewControllerDelegate* m_delegate = nullptr;
     QPointer<QWidget> m_mainWindow;
     FolderEntrance m_entrance;

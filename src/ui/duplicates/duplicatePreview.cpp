@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/paths.h"
 #include "ui/duplicates/DuplicateResultModel.h"
 #include "ui/duplicates/ResultOutline.h"
 #include "ui/duplicates/SameFileDeleteViews.h"
@@ -22,21 +23,26 @@ void listFirst(PreviewSubject& subject, const std::string& path) {
     subject.paths.insert(subject.paths.begin(), path);
 }
 
-PreviewSubject subjectOf(const TreeNode& node) {
+// Of what lies in a folder the same place in each copy of that.
+PreviewSubject subjectOf(const TreeNode& node, const std::string& below) {
+    const auto pathOf = [&](const TreeNode& copy) {
+        const std::string& path = simpleData(copy)->name();
+        return below.empty() ? path : joinPath(path, below);
+    };
     const TreeNode& group = simpleData(node)->isGroup() ? node : *node.nodeParent();
     PreviewSubject subject;
     subject.total = group.numberOfChildren();
     const std::size_t listed = std::min(subject.total, PreviewSubject::mostPaths);
     for (std::size_t i = 0; i < listed; ++i)
-        subject.paths.push_back(simpleData(*group.childAtIndex(i))->name());
+        subject.paths.push_back(pathOf(*group.childAtIndex(i)));
     if (subject.paths.empty()) return subject;
-    subject.chosen = &node == &group ? subject.paths.front() : simpleData(node)->name();
+    subject.chosen = &node == &group ? subject.paths.front() : pathOf(node);
     bool staysBeside = false;
     for (std::size_t i = 0; i < subject.total && !staysBeside; ++i) {
-        const SimpleNodeData& copy = *simpleData(*group.childAtIndex(i));
-        if (copy.name() == subject.chosen) continue;
-        staysBeside = copy.selectNum() == 0;
-        if (staysBeside || subject.beside.empty()) subject.beside = copy.name();
+        const TreeNode& copy = *group.childAtIndex(i);
+        if (pathOf(copy) == subject.chosen) continue;
+        staysBeside = simpleData(copy)->selectNum() == 0;
+        if (staysBeside || subject.beside.empty()) subject.beside = pathOf(copy);
     }
     listFirst(subject, subject.beside);
     listFirst(subject, subject.chosen);
@@ -52,8 +58,11 @@ void startPreview(const SameFileDeleteViews& views, const PageServices& parts) {
 }
 
 void showPreview(const SameFileDeleteViews& views, const DuplicateResultModel& model) {
-    const TreeNode::Pointer node = model.node(views.outline->currentIndex());
-    views.previewPane->choose(node ? subjectOf(*node) : PreviewSubject());
+    const QModelIndex current = views.outline->currentIndex();
+    const bool isInFolder = DuplicateResultModel::isInFolder(current);
+    const TreeNode::Pointer node = model.node(isInFolder ? current.parent() : current);
+    views.previewPane->choose(node ? subjectOf(*node, model.pathInFolder(current))
+                                   : PreviewSubject());
 }
 
 }  // namespace orrinvale

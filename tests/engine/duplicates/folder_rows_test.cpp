@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "engine/duplicates/RandomTree.h"
+#include "engine/duplicates/folders/FolderContents.h"
 #include "engine/duplicates/keep/KeepTicks.h"
 #include "engine/duplicates/plan/UndoableRemoval.h"
 #include "engine/duplicates/plan/makePlan.h"
@@ -327,6 +328,23 @@ TEST_F(WholeFolders, HearAStopWhileTheyAreListed) {
                 << (outcome.stayed.empty() ? std::string() : outcome.stayed[0].reason);
             EXPECT_TRUE(fs::exists(tree.at("f/b/sub/y")));
         }
+}
+
+TEST_F(WholeFolders, ShowWhatIsInThemNow) {
+    fs::create_symlink("nowhere", tree.at("f/a/sub/link"));
+    tree.write("f/a/sub.d", "four");
+    const std::atomic<bool> never{false};
+    const auto inA = [&](const std::atomic<bool>& stop) {
+        const FolderContents contents = contentsOf(realFiles, tree.at("f/a"), stop);
+        std::string text = contents.fault;
+        for (const auto& [path, bytes, modified] : contents.entries)
+            text += fmt::format("{} {}, ", path, modified > 0 ? int(bytes) : -1);
+        return text;
+    };
+    EXPECT_EQ(inA(never), "empty 0, sub/.h 4, sub/link 7, sub/y 4, sub.d 4, x 4, ");
+    EXPECT_EQ(inA(std::atomic<bool>{true}), "Operation canceled");
+    fs::remove_all(tree.at("f/a"));
+    EXPECT_EQ(inA(never), "No such file or directory");
 }
 
 TEST(WholeFolderRows, LayInFoldersThatAreGoneByTheirPaths) {

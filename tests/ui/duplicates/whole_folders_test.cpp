@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTreeView>
@@ -85,6 +86,21 @@ protected:
         return isChosen;
     }
 
+    /// What stands below the row, a name and a size each.
+    std::string shownIn(const QModelIndex& row) {
+        std::string text;
+        for (int i = 0; i < on.model().rowCount(row); ++i)
+            text += on.nameOf(on.model().index(i, 1, row)) + ' ' +
+                    on.model().index(i, 3, row).data().toString().toStdString() + '|';
+        return text;
+    }
+    void sortBy(int column) {
+        QHeaderView& header = *on.control<QTreeView>("outline").header();
+        const int x = header.sectionViewportPosition(column) + header.sectionSize(column) / 2;
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(x, header.height() / 2));
+    }
+
+    testing::Gate listing;  // before a folder is read
     TestTree home;
     testing::ScopedVariable data{"XDG_DATA_HOME", home.path()};
     testing::PageWindow on;
@@ -201,6 +217,90 @@ TEST_F(WholeFoldersShown, AskBeforeTheyTakeTheLastCopyOfAFile) {
         "1 folder and 2 files, 5.01 KB, go for good.\n1 of them is a folder: all that is in it "
         "goes, 3 files.\n1 group loses all its copies.");
     EXPECT_FALSE(there("f/a/x") || there("f/b") || there("f/c/x"));
+}
+
+// By the arrows, by its menu; what is in it is shown as it is now, and has no boxes.
+TEST_F(WholeFoldersShown, AreOpenedAndShowWhatIsInThem) {
+    ASSERT_TRUE(find());
+    auto& outline = on.control<QTreeView>("outline");
+    const QPersistentModelIndex a = folder("f/a");
+    const auto press = [&](Qt::Key key) { QTest::keyClick(&outline, key); };
+    outline.setCurrentIndex(a);
+    press(Qt::Key_Right);
+    ASSERT_SOON(shownIn(a) == ".h 0.01 KB|sub/y 2.00 KB|x 1.00 KB|") << shownIn(a);
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    const QModelIndex y = on.model().index(1, 1, a);
+    ASSERT_EQ(outline.currentIndex().siblingAtColumn(1), y);
+    EXPECT_EQ(y.data(Qt::AccessibleDescriptionRole).toString().toStdString(),
+              "Goes or stays with the folder " + on.tree.at("f/a"));
+    EXPECT_TRUE(y.data(Qt::ToolTipRole)
+                    .toString()
+                    .startsWith(QString::fromStdString(on.tree.at("f/a/sub/y"))));
+    EXPECT_FALSE(y.siblingAtColumn(0).data(TickModel::StateRole).isValid()) << "no box";
+    press(Qt::Key_Space);
+    EXPECT_EQ(on.textOf("titleLabel"), "11 entries in f, selected 0 entries in All.");
+    on.click("RevealFinder");
+    EXPECT_EQ(on.revealed, Strings{on.tree.at("f/a/sub/y")});
+    EXPECT_EQ(on.page().previewBeside(1), on.tree.at("f/a/x"));
+
+    const QImage before = on.onScreen(*outline.viewport(), outline.visualRect(y));
+    on.tick(folder("f/a"));
+    EXPECT_TRUE(y.data(TickModel::GreyRole).toBool());
+    EXPECT_NE(on.onScreen(*outline.viewport(), outline.visualRect(y)), before) << "on the screen";
+    for (const int column : {3, 1, 1}) {  // the rows move with their folder
+        sortBy(column);
+        EXPECT_EQ(shownIn(a), ".h 0.01 KB|sub/y 2.00 KB|x 1.00 KB|");
+        EXPECT_TRUE(on.model().index(0, 1, a).parent() == a);
+        EXPECT_TRUE(outline.isExpanded(a));
+    }
+
+    write("f/a", "/new", 100, 1);
+    outline.setCurrentIndex(a);
+    press(Qt::Key_Left);
+    EXPECT_EQ(on.model().rowCount(a), 0);
+    ASSERT_TRUE(on.chooseInMenu(outline, a, "Show What Is in It"));
+    ASSERT_SOON(shownIn(a) == ".h 0.01 KB|new 0.10 KB|sub/y 2.00 KB|x 1.00 KB|") << shownIn(a);
+    ASSERT_TRUE(on.chooseInMenu(outline, a, "Hide What Is in It"));
+    EXPECT_EQ(on.model().rowCount(a), 0);
+    std::filesystem::remove_all(on.tree.at("f/a"));
+    ASSERT_TRUE(on.chooseInMenu(outline, a, "Show What Is in It"));
+    ASSERT_SOON(shownIn(a) == "What is in it can not be told: No such file or directory |")
+        << shownIn(a);
+}
+
+TEST_F(WholeFoldersShown, AreListedBesideTheWindowAndShownInPieces) {
+    for (const char* each : {"f/many1/", "f/many2/"})
+        for (int i = 0; i < 6000; ++i)
+            ASSERT_TRUE(on.tree.write(each + std::to_string(i), i == 0 ? "x" : ""));
+    ASSERT_TRUE(find());
+    std::string group;
+    for (int g = 0; g < on.model().rowCount(); ++g)
+        if (const std::string name = on.nameOf(on.model().index(g, 0)); name.starts_with("many"))
+            group = name;
+    auto& outline = on.control<QTreeView>("outline");
+    const QPersistentModelIndex many = on.row(group, "f/many1");
+    on.files.onReadFolder = [&] { listing.pass(); };
+    listing.shut();
+    outline.expand(many.parent());
+    outline.expand(many);
+    ASSERT_SOON(listing.isWaitedAt());
+    EXPECT_SOON(shownIn(many) == "Looking at what is in it\xE2\x80\xA6 |");
+    on.tick("p1");
+    EXPECT_EQ(on.textOf("titleLabel"), "13 entries in f, selected 1 entry in All.");
+    outline.collapse(many);
+    EXPECT_EQ(on.model().rowCount(many), 0);
+    outline.expand(many);  // while the other listing still waits
+    listing.open();
+    ASSERT_SOON(on.model().rowCount(many) == 5000);
+    outline.scrollTo(on.model().index(4999, 1, many));
+    ASSERT_SOON(on.model().rowCount(many) == 6000);
+    EXPECT_EQ(on.nameOf(on.model().index(5999, 1, many)), "999");
+    outline.expand(on.row(group, "f/many2"));
+    on.dialogs.willAnswer(0);
+    on.drop(on.tree.at("f"));  // what is open ends with its result
+    ASSERT_SOON(!on.page().bSearchFinished());
+    ASSERT_SOON(on.page().bSearchFinished());
 }
 
 // Of a plan that was kept with whole folders, done where their files stand as rows.
