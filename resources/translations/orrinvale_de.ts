@@ -5281,6 +5281,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>Ansicht …</translation>
     </message>
     <message>
+        <source>Measuring the free space…</source>
+        <translation>Der freie Platz wird gemessen …</translation>
+    </message>
+    <message>
         <source>Shared: %1 of %2</source>
         <translation>Geteilt: %1 von %2</translation>
     </message>

@@ -3,6 +3,7 @@
 //
 //   look=MS          every look at an entry takes so many milliseconds
 //   hang             a look at a name that begins with "hang" is answered when the server ends
+//   hangspace        what is free is told when the server ends, once a file "hung" is there
 //   renumber         an entry gets a new inode number with each look
 //   eio=NAME:AT      bytes of files with that name can not be read from there on
 //   twice=NAME       listings give that name twice
@@ -35,6 +36,7 @@ struct Faults {
     std::string source;
     std::chrono::milliseconds look{0};
     bool hangs = false;
+    bool hangsSpace = false;
     bool renumber = false;
     std::string unreadable;
     off_t unreadableFrom = 0;
@@ -159,6 +161,8 @@ fuse_operations operations() {
         return answer(::renameat2(AT_FDCWD, real(from).c_str(), AT_FDCWD, real(to).c_str(), flags));
     };
     out.statfs = [](const char* path, struct statvfs* facts) {
+        if (s_faults.hangsSpace && ::access(real("/hung").c_str(), F_OK) == 0)
+            std::this_thread::sleep_for(std::chrono::minutes(5));
         return answer(::statvfs(real(path).c_str(), facts));
     };
     return out;
@@ -172,6 +176,7 @@ bool take(std::string_view fault) {
     else if (fault == "oldrename") s_faults.hasOldRename = true;
     else if (fault == "norename") s_faults.hasNoRename = true;
     else if (fault == "nolinks") s_faults.hasNoLinks = true;
+    else if (fault == "hangspace") s_faults.hangsSpace = true;
     else if (fault == "hang") s_faults.hangs = true;
     else if (fault.starts_with("look="))
         s_faults.look = std::chrono::milliseconds(std::stoi(value));

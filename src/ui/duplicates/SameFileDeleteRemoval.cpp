@@ -127,16 +127,20 @@ void SameFileDeleteViewController::delDuplicateItems() {
 }
 
 void SameFileDeleteViewController::deleteUpView() {
-    if (!m_removal || !m_removal->job) return;
-    const RemovalJob::Progress progress = m_removal->job->progress();
-    const QString shown = progress.isWaiting ? tr("Waiting for another removal to end")
-                                             : QString::fromStdString(progress.current);
+    const bool isMeasuring = m_removal && m_removal->sharing && m_removal->sharing->isMeasuring();
+    if (!m_removal || (!m_removal->job && !isMeasuring)) return;
+    const RemovalJob::Progress progress =
+        m_removal->job ? m_removal->job->progress() : RemovalJob::Progress{};
+    const QString shown = isMeasuring          ? tr("Measuring the free space\u2026")
+                          : progress.isWaiting ? tr("Waiting for another removal to end")
+                                               : QString::fromStdString(progress.current);
     m_views->nameTextStr->setText(shown.isEmpty() ? QStringLiteral(" ") : shown);
     m_views->imageView->setPixmap(picturePixmap(QStringLiteral("loading_%1").arg(m_progressNum),
                                                 QSize(64, 64),
                                                 m_views->imageView->devicePixelRatioF()));
     constexpr std::int32_t pictures = 12;
     m_progressNum = m_progressNum % pictures + 1;
+    if (!m_removal->job) return;
     const QString done = m_removal->sharing             ? tr("Shared: %1 of %2")
                          : !m_removal->plan->compares() ? tr("%1 of %2")
                          : m_removal->isToTrash         ? tr("Compared again and moved: %1 of %2")
@@ -242,8 +246,9 @@ void SameFileDeleteViewController::stopRemoveBtnClicked() {
         m_views->stopRemoveBtn->setEnabled(false);
         return;
     }
-    if (!m_removal || !m_removal->job || bSearchFinished()) return;
-    m_removal->job->stop();
+    if (!m_removal || bSearchFinished() || (!m_removal->job && !m_removal->sharing)) return;
+    if (m_removal->sharing) m_removal->sharing->stopMeasuring();
+    if (m_removal->job) m_removal->job->stop();
     enter(State::StoppingRemoval);
 }
 

@@ -2,6 +2,7 @@
 // leaves the list: it has nothing to give any more, and its size would be counted as a gain.
 #include <QLabel>
 #include <QStackedWidget>
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -38,8 +39,12 @@ std::vector<PlanDesk::Settled> settledBy(const ShareList& list) {
         if (each.changed) of(list.path(i)).changed = each.changed;
         if (each.as != As::Shared || !each.shared.keptChanged) continue;
         PlanDesk::Settled& kept = of(each.shared.with);
-        kept.changed = each.shared.keptChanged;
+        kept.changed = std::max(kept.changed, each.shared.keptChanged);
         ++kept.namesMade;
+    }
+    for (const RemovalResult::Shared& each : list.takenBack()) {
+        PlanDesk::Settled& kept = of(each.with);
+        kept.changed = std::max(kept.changed, each.keptChanged);
     }
     std::vector<PlanDesk::Settled> settled;
     settled.reserve(byPath.size());
@@ -91,7 +96,8 @@ void SameFileDeleteViewController::beginSharing(const std::shared_ptr<ShareList>
         list, [this] { sharingNews(); });
 }
 
-// A disk tells what is free once it has written what waits, which is asked aside.
+// A disk tells what is free once it has written what waits, which is asked aside, and not for ever:
+// until then the page shows that it measures, and a stop does without the figure.
 void SameFileDeleteViewController::sharingNews() {
     if (!m_removal || !m_removal->job) return;
     RemovalJob::News news = m_removal->job->takeNews();

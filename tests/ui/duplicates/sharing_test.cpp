@@ -1,16 +1,56 @@
 // Copies that share their space instead of going: the question, what it does, the line about what
 // came of it, and what the list knows of it afterwards.
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QTest>
 
+#include "platform/freeSpace.h"
+#include "platform/sharing.h"
+#include "support/ServedFiles.h"
 #include "support/test.h"
 #include "ui/duplicates/shareWords.h"
 #include "ui/support/PageWindow.h"
+#include "ui/support/dropOn.h"
 
 namespace orrinvale {
 namespace {
 
+using testing::ServedFiles;
 using testing::someBytes;
+
+/// A disk image with btrfs, mounted for as long as this lives.
+class BtrfsDisk final {
+public:
+    BtrfsDisk() {
+        const auto run = [](const std::string& command) {
+            return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+        };
+        if (!m_place.sparse("image", 400ULL << 20U) || !m_place.folder("disk")) return;
+        if (!run("mkfs.btrfs -q " + m_place.at("image"))) m_why = "no mkfs.btrfs";
+        else if (!run("mount -t btrfs -o loop " + m_place.at("image") + ' ' + m_place.at("disk")))
+            m_why = "btrfs can not be mounted here";
+        else m_isThere = true;
+    }
+    ~BtrfsDisk() {
+        if (m_isThere) (void)!std::system(("umount -l " + m_place.at("disk")).c_str());
+    }
+    BtrfsDisk(const BtrfsDisk&) = delete;
+    BtrfsDisk& operator=(const BtrfsDisk&) = delete;
+
+    [[nodiscard]] bool isThere() const { return m_isThere; }
+    [[nodiscard]] const std::string& why() const { return m_why; }
+    bool write(const std::string& name, const std::string& bytes) {
+        return m_place.write("disk/" + name, bytes);
+    }
+    [[nodiscard]] std::string at(const std::string& name) const {
+        return m_place.at("disk/" + name);
+    }
+
+private:
+    TestTree m_place{"/tmp"};
+    std::string m_why = "no room for an image";
+    bool m_isThere = false;
+};
 
 /// In a folder of a file system that knows hard links alone, but for where a test says otherwise.
 class PageSharing : public ::testing::Test {
@@ -103,6 +143,65 @@ TEST_F(PageSharing, ALookThatTakesLongCanBeStopped) {
     on.reading.open();
     ASSERT_SOON(!on.window->window()->findChild<QWidget*>(QStringLiteral("shareLookPanel")));
     EXPECT_TRUE(on.isEnabled("stopBtn") && on.dialogs.alerts().empty());
+}
+
+// What the window tells of free space is what the file system tells.
+TEST_F(PageSharing, OnBtrfsByExtentsAndTheFigureIsThatOfTheFileSystem) {
+    BtrfsDisk btrfs;
+    if (!btrfs.isThere()) GTEST_SKIP() << btrfs.why();
+    constexpr std::size_t large = 20U << 20U;
+    const std::string bytes = someBytes(large, 5);
+    for (const char* const name : {"f/a/film.mkv", "f/b/film.mkv", "f/c/film.mkv"})
+        ASSERT_TRUE(btrfs.write(name, bytes));
+    ASSERT_TRUE(on.search(btrfs.at("f")));
+    on.tick("film.mkv", "b/film.mkv");
+    on.tick("film.mkv", "c/film.mkv");
+    const auto before = static_cast<std::int64_t>(*settledFreeSpace(btrfs.at("f")));
+    const FileAttributes seen = attributesOf(btrfs.at("f/b/film.mkv"));
+    ASSERT_TRUE(ask(0));
+    EXPECT_EQ(question().text, QStringLiteral("2 files, up to 41.94 MB: each stays a file of its "
+                                              "own."));
+    ASSERT_SOON(on.isShown("removedLine"));
+    const auto gained = static_cast<std::int64_t>(*settledFreeSpace(btrfs.at("f"))) - before;
+    EXPECT_NEAR(double(gained), 2.0 * large, 0.05 * large);
+    EXPECT_EQ(on.textOf("removedLine").find("2 shared, 4"), 0U) << on.textOf("removedLine");
+    EXPECT_FALSE(on.isShown("failureLine"));
+    const Descriptor kept(::open(btrfs.at("f/a/film.mkv").c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor copy(::open(btrfs.at("f/b/film.mkv").c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_TRUE(hasSameExtents(kept.get(), copy.get()).value_or(false));
+    const FileAttributes now = attributesOf(btrfs.at("f/b/film.mkv"));
+    EXPECT_TRUE(now.inode == seen.inode && now.modified == seen.modified && now.links == 1);
+    EXPECT_EQ(contentOf(btrfs.at("f/c/film.mkv")), bytes);
+}
+
+// The figure is not worth waiting for a disk that hangs; nor is the window.
+TEST_F(PageSharing, ADiskThatHangsWhileItIsMeasuredHoldsNothingUp) {
+    ServedFiles served({"hangspace", "eio=unread.jpg:0"});
+    if (!served.isThere()) GTEST_SKIP() << "no FUSE";
+    for (const char* const name : {"x/three.jpg", "x/unread.jpg"})
+        ASSERT_TRUE(served.source().write(name, someBytes(10000, 2)));
+    testing::dropOn(on.control("dragView"), {disk.at("f"), served.path()});
+    ASSERT_SOON(on.window->window()->findChild<QWidget*>(QStringLiteral("searchYes")) != nullptr);
+    on.click("searchYes");
+    ASSERT_SOON(on.page().bSearchFinished() && on.isShown("detailView"));
+    on.tick("three.jpg", "c/three.jpg");
+    on.tick("three.jpg", "x/three.jpg");
+    on.removing.shut();
+    ASSERT_TRUE(ask(0));
+    ASSERT_SOON(on.removing.isWaitedAt());
+    ASSERT_TRUE(served.source().write("hung", ""));
+    on.removing.open();
+    ASSERT_SOON(on.textOf("nameTextStr").find("Measuring the free space") == 0);
+    EXPECT_TRUE(on.isEnabled("stopRemoveBtn"));
+    QElapsedTimer since;
+    since.start();
+    on.click("stopRemoveBtn");
+    ASSERT_SOON(on.page().bSearchFinished());
+    EXPECT_LT(since.elapsed(), 3000);
+    EXPECT_EQ(on.textOf("removedLine"), "1 shared, up to 12.29 KB");
+    EXPECT_EQ(on.textOf("failureLine"), "1 not shared");
+    EXPECT_EQ(names("f/c/three.jpg"), 2U);
+    served.end();
 }
 
 TEST(ShareWords, TheQuestionHasAButtonForEachWay) {
