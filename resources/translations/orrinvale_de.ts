@@ -2378,6 +2378,13 @@
             <numerusform>%Ln Einträge nicht lesbar</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>%Ln not read</source>
+        <translation>
+            <numerusform>%Ln nicht gelesen</numerusform>
+            <numerusform>%Ln nicht gelesen</numerusform>
+        </translation>
+    </message>
     <message>
         <source>Choose Another Folder</source>
         <translation>Anderen Ordner auswählen</translation>

@@ -258,6 +258,11 @@ void SameFileDeleteViews::fillBottom() {
     otherWayBtn->setText(QStringLiteral("\u25BE"));
     otherWayBtn->setToolTip(tr("To the trash or for good, sharing, plans, removals of 30 days"));
     trashBtn = named(new PictureView(QStringLiteral("trash"), {20, 20}), "trashBtn");
+    // What the button says too, the picture beside it, and what was told since the search: in this
+    // order (ResultFrame.cpp).
+    gainLabel->setProperty("givesWay", 1);
+    trashBtn->setProperty("givesWay", 2);
+    quietLine->setProperty("givesWay", 3);
     stopRemoveBtn = named(new TextImageButton(tr("Stop")), "stopRemoveBtn");
     stopRemoveBtn->hide();
     stopBtn = named(new TextImageButton(tr("Remove"), TextImageButton::Role::Danger), "stopBtn");

@@ -1,10 +1,12 @@
 // ResultFrame: built in code from the controls of the kit; FolderStart.h is the view before it.
 #include "ui/page/ResultFrame.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "ui/kit/chrome/HoverButton.h"
 #include "ui/kit/chrome/TCImageButton.h"
@@ -17,6 +19,99 @@
 #include "ui/kit/look/Theme.h"
 
 namespace orrinvale {
+namespace {
+
+constexpr const char* wholeWords = "wholeWords";
+constexpr const char* fewWords = "fewWords";
+constexpr const char* widthBefore = "widthBefore";  // least and most, of what is away
+
+// What came of the page's work is worth more room than the note about what could not be read, which
+// says the same in fewer words where not all fits, and than what is said elsewhere too.
+class RoomForResult final : public QObject {
+public:
+    /// `elided` has what is left.
+    RoomForResult(QWidget& bar, HoverButton& note, const ElidedLabel& elided)
+        : QObject(&bar), m_bar(bar), m_note(note), m_elided(elided) {
+        bar.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const bool isMoved =
+            event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest;
+        if (isMoved && watched == &m_bar) fit();
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    // By what would stand there in full, so that it comes out the same whatever stands there now.
+    void fit() {
+        QWidgetList givingWay = m_bar.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        erase_if(givingWay, [](const QWidget* each) {
+            return each->isHidden() || !each->property("givesWay").isValid();
+        });
+        std::sort(givingWay.begin(), givingWay.end(), [](const QWidget* one, const QWidget* other) {
+            return one->property("givesWay").toInt() < other->property("givesWay").toInt();
+        });
+        int missing = m_bar.layout()->sizeHint().width() - m_bar.width() + missingOfNote();
+        if (!m_elided.isHidden()) missing -= m_elided.sizeHint().width();
+        for (const QWidget* const each : givingWay)
+            if (isAway(*each)) missing += fullWidth(*each);
+        missing = fitNote(missing);
+        for (QWidget* const each : givingWay) {
+            const bool goes = missing > 0;
+            if (goes) missing -= fullWidth(*each);
+            if (goes != isAway(*each)) setAway(*each, goes);
+        }
+    }
+
+    [[nodiscard]] int widthOf(const char* words) const {
+        return m_note.fontMetrics().horizontalAdvance(m_note.property(words).toString());
+    }
+    [[nodiscard]] bool isNote(const char* words) const {
+        return !m_note.isHidden() && m_note.text() == m_note.property(words).toString();
+    }
+    [[nodiscard]] int missingOfNote() const {
+        return isNote(fewWords) ? widthOf(wholeWords) - widthOf(fewWords) : 0;
+    }
+
+    int fitNote(int missing) {
+        if (!isNote(wholeWords) && !isNote(fewWords)) return missing;
+        const bool isWhole = missing <= 0;
+        const char* const words = isWhole ? wholeWords : fewWords;
+        if (!isNote(words)) {
+            const QString whole = m_note.property(wholeWords).toString();
+            m_note.setText(m_note.property(words).toString());
+            m_note.setToolTip(isWhole ? QString() : whole);
+            m_note.setAccessibleName(isWhole ? QString() : whole);
+        }
+        return isWhole ? missing : missing - widthOf(wholeWords) + widthOf(fewWords);
+    }
+
+    static bool isAway(const QWidget& each) { return each.property(widthBefore).isValid(); }
+    static int fullWidth(const QWidget& each) {
+        const int least =
+            isAway(each) ? each.property(widthBefore).toSize().width() : each.minimumWidth();
+        return std::max(least, each.sizeHint().width());
+    }
+    static void setAway(QWidget& each, bool isAway) {
+        if (isAway) {
+            each.setProperty(widthBefore, QSize(each.minimumWidth(), each.maximumWidth()));
+            each.setFixedWidth(0);
+            return;
+        }
+        const QSize before = each.property(widthBefore).toSize();
+        each.setProperty(widthBefore, QVariant());
+        each.setMinimumWidth(before.width());
+        each.setMaximumWidth(before.height());
+    }
+
+    QWidget& m_bar;
+    HoverButton& m_note;
+    const ElidedLabel& m_elided;
+};
+
+}  // namespace
 
 ResultFrame::ResultFrame(const ResultFrameParts& parts) {
     resultView = named(new Panel(Theme::Color::Window), parts.viewName);
@@ -84,6 +179,7 @@ void ResultFrame::makeBottom(const ResultFrameParts& parts) {
         bottom->addWidget(line, line == onlyOneNote ? 1 : 0);
     }
     bottom->addStretch();
+    new RoomForResult(*m_bottomBar, *quietLine, *onlyOneNote);
 }
 
 void ResultFrame::showLine(QLabel& line, const QString& text) {
@@ -97,10 +193,13 @@ void ResultFrame::showLine(QAbstractButton& line, const QString& text) {
 }
 
 void ResultFrame::showSkipped(std::size_t count) const {
-    showLine(*quietLine,
-             count == 0   ? QString()
-             : count == 1 ? tr("1 entry could not be read")
-                          : tr("%Ln entries could not be read", nullptr, static_cast<int>(count)));
+    const QString whole =
+        count == 0   ? QString()
+        : count == 1 ? tr("1 entry could not be read")
+                     : tr("%Ln entries could not be read", nullptr, static_cast<int>(count));
+    quietLine->setProperty(wholeWords, whole);
+    quietLine->setProperty(fewWords, tr("%Ln not read", nullptr, static_cast<int>(count)));
+    showLine(*quietLine, whole);
 }
 
 EmptyView makeEmptyView(const QString& picture, bool withOtherFolder) {

@@ -202,6 +202,21 @@ TEST_F(PageSharing, ADiskThatHangsWhileItIsMeasuredHoldsNothingUp) {
     EXPECT_EQ(on.textOf("failureLine"), "1 not shared");
     EXPECT_EQ(names("f/c/three.jpg"), 2U);
     served.end();
+
+    // In a narrow window the note about what could not be read makes room for it.
+    QWidget& window = *on.window->window();
+    struct Case {
+        int width;
+        const char* note;
+    };
+    for (const Case& each : {Case{1400, "1 entry could not be read"}, Case{820, "1 not read"},
+                             Case{1400, "1 entry could not be read"}}) {
+        window.resize(each.width, 640);
+        EXPECT_SOON(on.textOf("quietLine") == each.note);
+        const QWidget& line = on.control("removedLine");
+        EXPECT_SOON(line.width() >= line.sizeHint().width());
+        EXPECT_EQ(on.control("gainLabel").width() > 0, each.width > 1000);
+    }
 }
 
 TEST(ShareWords, TheQuestionHasAButtonForEachWay) {
