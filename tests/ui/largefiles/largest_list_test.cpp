@@ -211,6 +211,7 @@ TEST_F(LargestList, SaysWhatGoesBeforeItGoes) {
         return on.dialogs.alerts().back().text.toStdString();
     };
     ASSERT_TRUE(on.tree.hardLink("f/movie.mkv", "f/photos/again.mkv") && on.scan(on.tree.at("f")));
+    ASSERT_TRUE(on.waitFor([&] { return on.list().find("photos 6.50 MB") != std::string::npos; }));
     on.tick("photos");
     EXPECT_EQ(asked(), "1 folder with all that is in it, 6.50 MB, goes for good.");
     on.control<SegmentedControl>("viewSwitch").segment(1)->click();
