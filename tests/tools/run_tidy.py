@@ -27,7 +27,7 @@ UNWANTED = "--checks=-bugprone-suspicious-include"
 # A test may start a shell, make bad names and large texts, copy what it likes, and share fixtures by a header of one program.
 UNWANTED_IN_TESTS = UNWANTED + (",-bugprone-string-constructor,-cert-env33-c,-google-build-namespaces,-google-explicit-constructor"
                                 ",-misc-definitions-in-headers,-misc-misleading-bidirectional,-performance-*"
-                                ",-readability-inconsistent-declaration-parameter-name")
+                                ",-readability-inconsistent-declaration-parameter-name,-readability-static-accessed-through-instance")
 
 
 def grouped_commands(build, scratch):

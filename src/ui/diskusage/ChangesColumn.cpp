@@ -86,7 +86,7 @@ std::vector<std::uint32_t> wayTo(const ScanDifference& difference, std::uint32_t
 }  // namespace
 
 QString changeText(std::int64_t change) {
-    const QString size = bytesWords(sizeOfChange(change));
+    QString size = bytesWords(sizeOfChange(change));
     constexpr std::int64_t least = 10;  // two places of a KB
     if (std::abs(change) < least) return size;
     return QLatin1Char(change > 0 ? '+' : '-') + size;

@@ -105,7 +105,7 @@ QString countText(const TreeNode& node) {
 
 QString nameOf(const TreeNode& node) {
     const SimpleNodeData& data = *simpleData(node);
-    const QString name = QString::fromStdString(data.name());
+    QString name = QString::fromStdString(data.name());
     const FolderFacts* const folders = data.isGroup() ? data.wholeFolder() : nullptr;
     if (folders == nullptr) return name;
     return folders->files == 1 ? DuplicateResultModel::tr("%1, 1 file each").arg(name)

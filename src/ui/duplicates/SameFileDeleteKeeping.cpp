@@ -32,7 +32,7 @@ void SameFileDeleteViewController::showKeepMenu() {
     menu->setObjectName(QStringLiteral("keepMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setToolTipsVisible(true);
-    const auto add = [&](const QString& text, KeepRule rule) {
+    const auto add = [&](const QString& text, const KeepRule& rule) {
         QAction* const action = menu->addAction(text, this, [this, rule, number = m_resultNumber] {
             if (number == m_resultNumber) keepBy(rule);
         });
@@ -84,7 +84,7 @@ void SameFileDeleteViewController::keepBy(KeepRule rule) {
 // Without links, as far as the search knows; of a group that of its first copy, as everywhere.
 std::string SameFileDeleteViewController::folderOfRow(const QModelIndex& index) const {
     if (DuplicateResultModel::isInFolder(index)) return folderOfRow(index.parent());
-    const std::string path = pathOf(index);
+    std::string path = pathOf(index);
     if (path.empty()) return path;
     TreeNode::Pointer node = m_model->node(index);
     if (node && simpleData(*node)->isGroup() && node->numberOfChildren() > 0)

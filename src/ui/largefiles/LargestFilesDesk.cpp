@@ -104,7 +104,8 @@ void LargestFilesDesk::askOfOpenings(std::chrono::milliseconds patience) {
             if (m_inquiry == nullptr || asked.lock() != m_inquiry) return;
             if (openings != m_wish.openings) {
                 m_wish.openings = std::move(openings);
-                if (m_isShown) start(m_isAnew);
+                m_isOutdated = true;
+                refresh();
             }
             if (std::ranges::count(m_wish.openings, OpeningNotes::Unanswered) > 0)
                 askOfOpenings(forLateAnswers);
@@ -118,6 +119,7 @@ void LargestFilesDesk::setShown(bool isShown) {
 
 void LargestFilesDesk::refresh() {
     if (!m_isShown || m_tree == nullptr) return;
+    if (m_isOutdated) return start(m_isAnew);
     const bool isBuilt = m_list != nullptr && m_list->isCurrent();
     if (!isBuilt) {
         const bool isUnderWay = m_building != nullptr &&
@@ -135,6 +137,7 @@ void LargestFilesDesk::refresh() {
 
 void LargestFilesDesk::start(bool isAnew) {
     m_isAnew = isAnew;
+    m_isOutdated = false;
     m_isRest = false;
     m_building = std::make_unique<LargestFiles>(*m_tree, m_wish);
     m_timer.start();
@@ -261,7 +264,7 @@ QMenu* LargestFilesDesk::makeMenu(const char* name) {
 
 void LargestFilesDesk::showKindMenu() {
     QMenu* const menu = makeMenu("kindMenu");
-    const auto add = [&](const QString& title, std::vector<FileKind> kinds) {
+    const auto add = [&](const QString& title, const std::vector<FileKind>& kinds) {
         QAction* const action = menu->addAction(title, this, [this, kinds] {
             FileWish wish = m_wish;
             wish.kinds = kinds;

@@ -74,7 +74,8 @@ private:
     int m_age = 0;  // which entry of the menu of ages holds
     int m_sortColumn = LargestFilesModel::Size;
     bool m_isShown = false;
-    bool m_isAnew = true;  // what is built is another list than the one that is seen
+    bool m_isAnew = true;       // what is built is another list than the one that is seen
+    bool m_isOutdated = false;  // a disk has answered since the list was made
     std::size_t m_counted = 0, m_ordered = 0;
     std::uint64_t m_ticked = 0, m_tickedBytes = 0;
     std::uint64_t m_countedTicked = 0, m_countedBytes = 0;  // so far

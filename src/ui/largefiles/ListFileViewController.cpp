@@ -294,7 +294,7 @@ QString ListFileViewController::tickedText() const {
     const LargestFiles* const list = m_files->list();
     if (list == nullptr) return {};
     const QString size = sizeOf(list->bytes());
-    const QString all =
+    QString all =
         list->count() == 1
             ? tr("1 file, %1").arg(size)
             : tr("%1 files, %2").arg(QLocale().toString(qulonglong(list->count())), size);

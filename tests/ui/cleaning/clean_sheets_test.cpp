@@ -42,8 +42,9 @@ TEST(CleanSheets, TheWindowMayBeClosedBehindEachAndComesBack) {
         CleanDesk desk{{{".cache/a", 1'000}, {"Downloads/d", 1}}, 3600, true};
         if (each.isLocked) desk.write(".cache/locked", 100);
         desk.isLocked = each.isLocked;
-        desk.tickOnly(each.withDownloads ? std::initializer_list{UserCaches, UserDownloads}
-                                         : std::initializer_list{UserCaches});
+        desk.tickOnly(each.withDownloads
+                          ? std::initializer_list<CleanCategory>{UserCaches, UserDownloads}
+                          : std::initializer_list<CleanCategory>{UserCaches});
         ASSERT_TRUE(desk.scan());
         desk.click("cleanButton");
         for (const char* const words : each.answers) {

@@ -136,14 +136,19 @@ TEST_F(MemoryPage, ShowsFiguresThatAddUpAndTheProgramsThatHoldMost) {
 TEST_F(MemoryPage, IsAmberByWhatProgramsCanHave) {
     const QColor amber = Theme::shared().color(Theme::Color::Warning);
     // A tenth of 1024 is the level; whole per cent count, as for volumes.
-    for (const auto& [available, isLow] :
-         {std::pair(113ULL, false), {112ULL, true}, {3ULL, true}}) {
+    const struct {
+        qulonglong available;
+        bool isLow;
+    } cases[] = {{113, false}, {112, true}, {3, true}};
+    for (const auto& each : cases) {
+        const auto available = each.available;
         machine.memory.available = available * mebibyte;
         open();
         const auto* const title = page->view()->findChild<QLabel*>(QStringLiteral("titleLabel"));
         EXPECT_SOON(title->text().contains(QStringLiteral("%1.00 MB of").arg(available)));
-        EXPECT_EQ(title->palette().color(QPalette::WindowText) == amber, isLow) << available;
-        EXPECT_EQ(title->text().startsWith(QLatin1String("Memory runs low")), isLow) << available;
+        EXPECT_EQ(title->palette().color(QPalette::WindowText) == amber, each.isLow) << available;
+        EXPECT_EQ(title->text().startsWith(QLatin1String("Memory runs low")), each.isLow)
+            << available;
     }
 }
 

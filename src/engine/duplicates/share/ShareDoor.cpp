@@ -71,10 +71,11 @@ RemovalResult ShareDoor::share(LeavingEntry entry, const std::atomic<bool>& stop
         return std::move(first.result);
     if (group.staying != nullptr) m_givers.learnStaying(*group.staying, entry.look->kept()->path);
     Attempt other = shareWithGivers(entry, stop);
-    if (!other.isOfThese) return std::move(other.result);
-    if (first.result.changed || other.result.changed)
-        first.result.changed = entry.identity->changed;
-    return std::move(first.result);
+    // What was aside and came back has another time of change, whatever a later attempt came to.
+    RemovalResult& told = other.isOfThese ? first.result : other.result;
+    if ((first.result.changed || other.result.changed) && !told.shared)
+        told.changed = entry.identity->changed;
+    return std::move(told);
 }
 
 // What keeps its bytes in the end may give them to the next ones.
@@ -89,8 +90,10 @@ ShareDoor::Attempt ShareDoor::shareWithGivers(LeavingEntry& entry, const std::at
         while (const auto giver = m_givers.next(way, *kind)) {
             FileLook look(m_files, *giver, true);
             Attempt made = attempt(entry, look, {!isLink, isLink}, stop);
+            if (!made.result.changed && !made.result.shared)
+                made.result.changed = last.result.changed;
             if (!made.isOfThese) return made;
-            if (made.result.changed) last.result.changed = made.result.changed;
+            last.result.changed = made.result.changed;
             m_givers.drop(way, *kind);
         }
     }
