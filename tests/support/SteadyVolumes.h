@@ -27,6 +27,20 @@ public:
         }
         return status;
     }
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options,
+                                   EjectDissent& dissent) override {
+        std::unique_lock lock(walk);
+        const std::int32_t status =
+            ForwardingVolumes::FSEjectVolumeSync(refNumber, options, dissent);
+        lock.unlock();
+        if (onEjection) onEjection();
+        return status;
+    }
+    /// Asked for, in order.
+    [[nodiscard]] std::vector<std::int16_t> ejected() {
+        const std::lock_guard lock(walk);
+        return fake.ejectedNumbers;
+    }
     void change(const std::function<void(std::vector<FakeVolumes::Volume>&)>& work) {
         const std::lock_guard lock(walk);
         work(fake.volumes);
@@ -35,6 +49,7 @@ public:
     FakeVolumes fake;
     std::mutex walk;  ///< held while somebody walks
     std::atomic<int> walks{0};
+    std::function<void()> onEjection;  ///< on the ejection's thread, before it ends
 };
 
 /// Has a mebibyte more free at each reading.

@@ -20,9 +20,10 @@ from pathlib import Path
 
 FINDING = re.compile(r"^/[^:]+:\d+:\d+: (?:error|warning): ")
 INCLUDED = re.compile(r'^#include "([^"]+)"', re.M)
-# A group includes sources, which is not to be told. Options that only GCC knows are not this tool's concern, and neither is what the
+# A group includes sources, which is not to be told, and whose functions are followed path by path only where headers' are. Options that only GCC knows are not this tool's concern, and neither is what the
 # compiler warns of: the build fails at that.
-OPTIONS = ["--quiet", "--extra-arg=-Wno-unknown-warning-option", "--extra-arg=-Wno-error"]
+OPTIONS = ["--quiet", "--extra-arg=-Wno-unknown-warning-option", "--extra-arg=-Wno-error",
+           "--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"]
 UNWANTED = "--checks=-bugprone-suspicious-include"
 # A test may start a shell, make bad names and large texts, copy what it likes, and share fixtures by a header of one program.
 UNWANTED_IN_TESTS = UNWANTED + (",-bugprone-string-constructor,-cert-env33-c,-google-build-namespaces,-google-explicit-constructor"

@@ -10,9 +10,7 @@
 #include "engine/base/notices.h"
 #include "engine/settings/settingNotices.h"
 
-namespace orrinvale {
-
-namespace notice {
+namespace orrinvale::notice {
 
 /// The setting of a category was changed by its box: the list follows.
 inline constexpr Notice<ChosenRow> updateSelectNumber{"updateSelectNumber"};
@@ -23,6 +21,4 @@ inline constexpr Notice<ChosenRow> refNewTableViewSizeLabel{"refNewTableViewSize
 /// The scan button is to be pressed.
 inline constexpr Notice<> scanItemGetScanBtn{"scanItemGetScanBtn"};
 
-}  // namespace notice
-
-}  // namespace orrinvale
+}  // namespace orrinvale::notice

@@ -111,11 +111,11 @@ char smallLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - '
 void replaceWord(std::string& line, std::string_view word, std::string_view by) {
     if (word.empty()) return;
     const auto find = [&](std::size_t from) {
-        const auto found = std::ranges::search(
+        const auto found = std::search(
             line.begin() + static_cast<std::ptrdiff_t>(from), line.end(), word.begin(), word.end(),
             [](char one, char other) { return smallLetter(one) == smallLetter(other); });
-        return found.empty() ? std::string::npos
-                             : static_cast<std::size_t>(found.begin() - line.begin());
+        return found == line.end() ? std::string::npos
+                                   : static_cast<std::size_t>(found - line.begin());
     };
     for (std::size_t at = find(0); at != std::string::npos; at = find(at)) {
         const std::size_t end = at + word.size();

@@ -101,7 +101,7 @@ std::vector<LoginItemRecord> AutostartItems::list(std::int32_t& status) const {
     std::vector<LoginItemRecord> records;
     for (const std::string& name : persons) records.push_back(recordOf(name, true));
     // Places in the list are those of the items, and of the rest behind them.
-    std::ranges::stable_partition(records, isItem);
+    std::stable_partition(records.begin(), records.end(), isItem);
     for (const std::string& name : systems)
         if (!persons.contains(name)) records.push_back(recordOf(name, false));
     return records;

@@ -39,7 +39,8 @@ bool waitsFor(int socket, short what, Moment end, const std::atomic<bool>* stop 
     for (;;) {
         const bool isStopped = stop != nullptr && *stop;
         const auto left = timeUntil(end);
-        const auto wait = isStopped ? left.zero() : stop == nullptr ? left : std::min(left, turn);
+        const auto atMost = isStopped ? std::chrono::milliseconds::zero() : turn;
+        const auto wait = stop == nullptr ? left : std::min(left, atMost);
         pollfd source{socket, what, 0};
         const int ready = ::poll(&source, 1, static_cast<int>(wait.count()));
         if (ready < 0 && errno == EINTR) continue;

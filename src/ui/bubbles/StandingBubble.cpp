@@ -88,7 +88,7 @@ void StandingBubble::showWindow(std::unique_ptr<BubbleContent> content, QWidget*
 // Passed on as words: the desktop has its own place, look and time for them. Where nobody shows
 // them after all, the open window does, for most of the bubble's life.
 void StandingBubble::notify(const BubbleContent& content) {
-    const QStringList lines = content.lines();
+    const QStringList& lines = content.lines();
     DesktopNote note;
     note.title = lines.value(0);
     note.body = lines.mid(1).join(QLatin1Char('\n'));

@@ -33,7 +33,7 @@ struct FolderLook {
 }  // namespace
 
 void whenFolderIsThere(const PageServices& services, QObject& page, const std::string& path,
-                       std::function<void()> then) {
+                       const std::function<void()>& then) {
     const auto look = std::make_shared<FolderLook>();
     const auto worker = runAside(
         &page, "whenFolderIsThere",

@@ -16,7 +16,7 @@ struct PageServices;
 /// Runs `then` if the path leads to a folder now, through a link too: at once, or later where the
 /// disk does not answer at once, and never once the page is gone. Main thread.
 void whenFolderIsThere(const PageServices& services, QObject& page, const std::string& path,
-                       std::function<void()> then);
+                       const std::function<void()>& then);
 
 /// Where another folder would make the page forget ticks, the person is asked first. Main thread
 /// only.

@@ -55,8 +55,8 @@ void ApplicationSizes::fillIn(const AppItemsArray& items) {
     const auto work = std::make_shared<Work>();
     for (const auto& each : items)
         if (each->fileSize.empty()) work->wanted.emplace_back(each, each->record);
-    std::ranges::stable_partition(work->wanted,
-                                  [](const auto& each) { return isQuick(*each.first); });
+    std::stable_partition(work->wanted.begin(), work->wanted.end(),
+                          [](const auto& each) { return isQuick(*each.first); });
     if (work->wanted.empty() || !m_measure) return;
     m_work = work;
     m_taking.start();

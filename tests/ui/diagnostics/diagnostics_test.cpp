@@ -108,7 +108,7 @@ TEST(LogWords, SayWhereTheLinesGo) {
 
 TEST(ShowLog, LeadsToTheFile) {
     Started on;
-    on.log.file = "/s/Orrinvale.log";
+    on.setLog({.file = "/s/Orrinvale.log"});
     const struct {
         int button;
         bool canOpen;
@@ -131,7 +131,7 @@ TEST(ShowLog, LeadsToTheFile) {
         EXPECT_TRUE(on.dialogs.alerts().back().onlyTells);
     }
     // A folder of that name is opened by nobody where there is no file.
-    on.log = {};
+    on.setLog({});
     on.opened.clear();
     on.dialogs.willAnswer(0);
     const std::size_t asked = on.dialogs.alerts().size();
@@ -144,10 +144,10 @@ TEST(ShowLog, LeadsToTheFile) {
 TEST(ShowLog, TheSettingIsFollowedAtOnce) {
     for (const char* const name : {"ORRINVALE_LOG", "ORRINVALE_STALLS"}) ::unsetenv(name);
     Started on;
-    on.log.file = "/s/Orrinvale.log";
+    on.setLog({.file = "/s/Orrinvale.log"});
     on.defaults.setValue(std::string("never"), logFileKey);
     EXPECT_SOON(on.keptLog->load() == 0);
-    on.log.file.reset();
+    on.setLog({});
     const bool isTerminal = standardErrorGoesTo() == ErrorStream::Terminal;
     on.defaults.setValue(std::string("always"), logFileKey);
     if (isTerminal) {
@@ -156,11 +156,11 @@ TEST(ShowLog, TheSettingIsFollowedAtOnce) {
         return;
     }
     EXPECT_SOON(on.keptLog->load() == 1);
-    on.log.file = "/s/Orrinvale.log";
+    on.setLog({.file = "/s/Orrinvale.log"});
     const ScopedVariable asked("ORRINVALE_LOG", "1");
     on.defaults.setValue(std::string("auto"), logFileKey);
     EXPECT_SOON(on.keptLog->load() == 0) << "who asks for lines gets them where he is";
-    on.log = {.failure = systemError("open", "/s/x", EACCES)};
+    on.setLog({.failure = systemError("open", "/s/x", EACCES)});
     ::unsetenv("ORRINVALE_LOG");
     on.defaults.setValue(std::string("always"), logFileKey);
     EXPECT_SOON(on.delegate->logFault() ==

@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -81,7 +82,11 @@ struct Launched {
             .diagnostics = {.system = &system,
                             .volumes = &volumes,
                             .names = {"/home/anna", "anna", "annas-desk.example"},
-                            .logState = [this] { return log; },
+                            .logState =
+                                [this] {
+                                    const std::lock_guard lock(logLock);
+                                    return logState;
+                                },
                             .keepLogFile =
                                 [kept = keptLog](bool isWanted) { kept->store(isWanted ? 1 : 0); }},
             .openFolder =
@@ -117,12 +122,19 @@ struct Launched {
                 .reveal = [this](const std::string& path) { revealed.push_back(path); },
                 .openAddress = {}};
     }
+    /// The program looks at it aside.
+    void setLog(LogState log) {
+        const std::lock_guard lock(logLock);
+        logState = std::move(log);
+    }
     QAction* entry(const char* name) const {
         return delegate->menu().menu()->findChild<QAction*>(QLatin1String(name));
     }
     bool isVisible() const { return delegate->duplicateMWC()->window()->isVisible(); }
     void closeWindow() const { delegate->duplicateMWC()->window()->performClose(); }
 
+    std::mutex logLock;
+    LogState logState;  // before who looks at it
     TestTree tree;
     UserDefaults defaults{tree.at("settings.ini")};
     LinuxPermissions permissions;
@@ -139,7 +151,6 @@ struct Launched {
     FakeMountChanges mounts;
     CountedMemory memory;
     MadeUpSystem system;
-    LogState log;
     std::shared_ptr<std::atomic<int>> keptLog = std::make_shared<std::atomic<int>>(-1);
     SystemWatch watch{volumes, memory, mainQueue, std::chrono::hours(1)};
     Ejections ejections{volumes, mainQueue};

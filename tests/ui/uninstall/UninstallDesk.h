@@ -65,9 +65,11 @@ struct MadeUpWork final : UninstallWork {
         UninstallOutlook out;
         UninstallPlan plan;
         for (const AppItems& each : items) {
-            out.apps.push_back(forecasts[each.name]);
+            // Several are asked for at once.
+            const auto known = forecasts.find(each.name);
+            out.apps.push_back(known != forecasts.end() ? known->second : UninstallForecast{});
             plan.apps.push_back({std::make_shared<AppItems>(each), {}, {}, {}, {}});
-            plan.apps.back().refusal = forecasts[each.name].refusal;
+            plan.apps.back().refusal = out.apps.back().refusal;
         }
         out.isListOld = isListOld;
         out.warnings = warnings;

@@ -288,7 +288,7 @@ TEST_F(FreeSpacePageTest, IsMadeAnewWhenAnotherVolumeStandsInARowAndOnlyThen) {
     change([](auto& all) { all[1] = volume(8, "Camera", "/media/camera", true); });
     ASSERT_SOON(names() == "System Camera ");
     part<TCImageButton>(card(1), "ejectButton")->click();
-    EXPECT_SOON(machine.volumes.fake.ejectedNumbers == std::vector<std::int16_t>{8});
+    EXPECT_SOON(machine.volumes.ejected() == std::vector<std::int16_t>{8});
     settings.defaults.setFloat(0.01F, ZvSpaceAlarmKey);
     page->updateNewDiskSizeViewData();
     EXPECT_EQ(card(0)->getPrograssImage(), QStringLiteral("95_index.png")) << "another level";
@@ -310,9 +310,7 @@ TEST_F(FreeSpacePageTest, AnEjectionRestsNothingAndTellsWhoHoldsTheVolume) {
     std::promise<void> mayEnd;
     machine.volumes.fake.ejections[7] = {fBsyErr,
                                          {"The volume is in use", {{42, "vlc", "/media/stick/a"}}}};
-    machine.volumes.fake.onEjection = [&, gate = mayEnd.get_future().share()](std::int16_t) {
-        gate.wait();
-    };
+    machine.volumes.onEjection = [gate = mayEnd.get_future().share()] { gate.wait(); };
     view->show();
     ASSERT_SOON(names() == "System Stick ");
     card(1)->backDisk();
@@ -325,8 +323,7 @@ TEST_F(FreeSpacePageTest, AnEjectionRestsNothingAndTellsWhoHoldsTheVolume) {
     EXPECT_TRUE(posted.empty());
     mayEnd.set_value();
     EXPECT_SOON(failures.size() == 1);
-    EXPECT_EQ(machine.volumes.fake.ejectedNumbers, std::vector<std::int16_t>{7})
-        << "asked for once";
+    EXPECT_EQ(machine.volumes.ejected(), std::vector<std::int16_t>{7}) << "asked for once";
     EXPECT_EQ(ejectFailureText(failures.front()),
               "\"Stick\" could not be ejected: The volume is in use, held open by vlc (process 42, "
               "/media/stick/a).");
@@ -354,7 +351,7 @@ TEST_F(FreeSpacePageTest, ACardEjectsNothingThatCameIntoItsPlace) {
     change([](auto& all) { all[1] = volume(7, "Backup", "/media/backup", true); });
     card(1)->backDisk();
     EXPECT_SOON(failures.size() == 1);
-    EXPECT_TRUE(machine.volumes.fake.ejectedNumbers.empty());
+    EXPECT_TRUE(machine.volumes.ejected().empty());
     EXPECT_EQ(failures.front().volumeName, "Stick");
 }
 

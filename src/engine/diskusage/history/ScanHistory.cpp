@@ -163,7 +163,8 @@ void ScanHistory::thin(const Place& place, const File& kept) const {
         scans.erase(gone);
     }
     std::vector<File> all = files();
-    std::ranges::stable_partition(all, [now](const File& each) { return each.scan.time > now; });
+    std::stable_partition(all.begin(), all.end(),
+                          [now](const File& each) { return each.scan.time > now; });
     std::uint64_t sum = 0;
     for (const File& each : all) sum += each.scan.bytes;
     for (const File& each : all) {

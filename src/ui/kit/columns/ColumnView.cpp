@@ -56,6 +56,7 @@ void ColumnView::contextMenuEvent(QContextMenuEvent* event) {
 void ColumnView::focusInEvent(QFocusEvent* event) {
     m_keyboardFocus.focusIn(*event);
     // The base class would choose the first row, which opens a column that nobody asked for.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QAbstractScrollArea::focusInEvent(event);
     viewport()->update();
     Q_EMIT focused();

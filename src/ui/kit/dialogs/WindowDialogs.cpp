@@ -77,8 +77,8 @@ public:
             return m_choice.withFiles ? std::filesystem::exists(path, failure)
                                       : std::filesystem::is_directory(path, failure);
         });
-        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the chooser's own way looks the selection
-        // over by rules of its own
+        // The chooser's own way looks the selection over by rules of its own.
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call)
         if (areThere && !m_paths.empty()) QDialog::done(QDialog::Accepted);
     }
 

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include "ui/kit/chrome/buttonLook.h"
 #include "ui/kit/lists/TickBox.h"
