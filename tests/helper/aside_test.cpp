@@ -160,14 +160,14 @@ TEST(HelperSetsAside, AndTheNextStartBringsBackWhatAKilledOneLeft) {
             int starts = 0;
             do {
                 if (starts++ == 20)
-                    return "aside after the next starts, round " + std::to_string(round);
+                    return (isThere(kJournals) ? "a journal" : "aside") +
+                           (" after the next starts, round " + std::to_string(round));
                 if (starts > 1) ::usleep(50'000);
                 if (!HelperRun().isReady()) return "no next start";
-            } while (asideBelow(tree.path()) != 0);
+            } while (asideBelow(tree.path()) != 0 || isThere(kJournals));
             lateStarts += starts > 1 ? 1 : 0;
             if (wasAside && !isThere(tree.at("one/copy")))
                 return "lost in round " + std::to_string(round);
-            if (isThere(kJournals)) return "a journal is left in round " + std::to_string(round);
         }
         std::printf("[          ] %d of %d kills found it aside, %d a second start\n", foundAside,
                     rounds, lateStarts);

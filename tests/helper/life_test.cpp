@@ -3,6 +3,7 @@
 
 #include "helper/HelperRun.h"
 #include "helper/Session.h"
+#include "support/isSanitized.h"
 #include "support/test.h"
 
 namespace orrinvale::testing {
@@ -88,7 +89,7 @@ TEST_F(HelperLife, AKilledHelperLeavesNoTool) {
     const pid_t tool = stoppedTool(helper);
     ASSERT_GT(tool, 0);
     ::kill(helper.process(), SIGKILL);
-    EXPECT_TRUE(isGoneWithin(tool, milliseconds(1000)));
+    EXPECT_TRUE(isGoneWithin(tool, milliseconds(isSanitized() ? 5000 : 1000)));
     EXPECT_TRUE(isThere(tree.at("many")));
     for (const int number : {SIGINT, SIGHUP, SIGQUIT, SIGTSTP}) {  // the keys of a terminal
         const HelperRun other;

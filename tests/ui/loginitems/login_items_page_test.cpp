@@ -17,6 +17,7 @@
 #include "ui/loginitems/AppInformation.h"
 #include "ui/support/NamedControls.h"
 #include "ui/support/RecordedDialogs.h"
+#include "ui/support/threadsNow.h"
 
 namespace orrinvale::testing {
 namespace {
@@ -25,6 +26,8 @@ const std::string head = "[Desktop Entry]\nType=Application\nExec=tool\nName=";
 
 class LoginItemsPage : public ::testing::Test, protected NamedControls {
 protected:
+    const std::size_t threads = threadsNow();
+
     LoginItemsPage() {
         UserDefaults::setStandardUserDefaults(&defaults);
         LoginItemRegistry::setParts(
@@ -39,6 +42,7 @@ protected:
     }
     ~LoginItemsPage() override {
         page.reset();
+        EXPECT_SOON(threadsNow() <= threads) << "who looks at the entries aside is still there";
         LoginItemRegistry::setParts({});
         UserDefaults::setStandardUserDefaults(nullptr);
     }

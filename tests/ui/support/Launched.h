@@ -50,6 +50,23 @@ inline std::vector<FakeVolumes::Volume> systemAndStick() {
             FakeVolumes::volume(7, "Stick", "/media/stick", true)};
 }
 
+/// What a thread asks for aside, which may end behind the test.
+class LogNow {
+public:
+    [[nodiscard]] LogState get() const {
+        const std::lock_guard lock(m_lock);
+        return m_state;
+    }
+    void set(LogState state) {
+        const std::lock_guard lock(m_lock);
+        m_state = std::move(state);
+    }
+
+private:
+    mutable std::mutex m_lock;
+    LogState m_state;
+};
+
 /// The window is open. With a `tray`, which may be null, something runs in the background.
 /// Everything else is the test's: settings, volumes, answers; and lists of what
 /// was set off. The shared parts of the process are its own while it lives.
@@ -82,11 +99,7 @@ struct Launched {
             .diagnostics = {.system = &system,
                             .volumes = &volumes,
                             .names = {"/home/anna", "anna", "annas-desk.example"},
-                            .logState =
-                                [this] {
-                                    const std::lock_guard lock(logLock);
-                                    return logState;
-                                },
+                            .logState = [log = logNow] { return log->get(); },
                             .keepLogFile =
                                 [kept = keptLog](bool isWanted) { kept->store(isWanted ? 1 : 0); }},
             .openFolder =
@@ -122,19 +135,14 @@ struct Launched {
                 .reveal = [this](const std::string& path) { revealed.push_back(path); },
                 .openAddress = {}};
     }
-    /// The program looks at it aside.
-    void setLog(LogState log) {
-        const std::lock_guard lock(logLock);
-        logState = std::move(log);
-    }
+    void setLog(LogState log) { logNow->set(std::move(log)); }
     QAction* entry(const char* name) const {
         return delegate->menu().menu()->findChild<QAction*>(QLatin1String(name));
     }
     bool isVisible() const { return delegate->duplicateMWC()->window()->isVisible(); }
     void closeWindow() const { delegate->duplicateMWC()->window()->performClose(); }
 
-    std::mutex logLock;
-    LogState logState;  // before who looks at it
+    std::shared_ptr<LogNow> logNow = std::make_shared<LogNow>();
     TestTree tree;
     UserDefaults defaults{tree.at("settings.ini")};
     LinuxPermissions permissions;
