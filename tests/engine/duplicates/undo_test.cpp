@@ -552,6 +552,13 @@ TEST(PlanHistory, OfALargeNoteOnlyWhatItsSealIsOfIsRead) {
     }
     std::filesystem::resize_file(path, whole - 1);
     EXPECT_EQ(lookAtNote(path).state, SealedNote::State::Damaged);
+    // Nor where the damage is to the seal: zeros are what a power cut leaves.
+    for (const std::string& beginning :
+         {std::string("{\"orrinvalfNote\": 1"), std::string(300, '\0')}) {
+        write(size);
+        std::fstream(path) << beginning;
+        EXPECT_EQ(lookAtNote(path).state, SealedNote::State::Damaged) << beginning;
+    }
     EXPECT_EQ(lookAtNote(tree.at("none")).error, ENOENT);
 }
 

@@ -15,6 +15,9 @@
 namespace orrinvale {
 namespace {
 
+// Notes of before there were seals. They alone are read whole, to have their sums.
+constexpr std::string_view olderNoteStart = "{\"orrinvaleRemoval\": 1";
+
 // Of a rest of that length where the second piece begins; the first begins at 0 and ends there at
 // the latest.
 std::uint64_t secondPieceOf(std::uint64_t rest) {
@@ -93,7 +96,7 @@ SealedNote lookAtNote(const std::string& path) {
     if (seen.st_uid != ::geteuid()) return {.error = EPERM};
     const std::string beginning = bytesAt(file.get(), 0, NoteSeal::mostBytes);
     const auto seal = NoteSeal::parse(beginning);
-    if (!seal) return {.state = WithoutSeal};
+    if (!seal) return {.state = beginning.starts_with(olderNoteStart) ? WithoutSeal : Damaged};
     const std::uint64_t line = beginning.find('\n') + 1;
     const auto whole = static_cast<std::uint64_t>(seen.st_size);
     if (whole - line != seal->rest) return {.state = Damaged};

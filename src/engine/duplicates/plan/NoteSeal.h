@@ -36,7 +36,8 @@ struct NoteSeal {
     [[nodiscard]] bool holds(std::string_view wholeRest) const;
 };
 
-/// What the seal of a file tells. Reads no more than it and the two pieces.
+/// What the seal of a file tells. Reads no more than it and the two pieces. WithoutSeal is only
+/// what begins as older notes do.
 struct SealedNote {
     enum class State : std::uint8_t { Whole, Damaged, WithoutSeal, Unreadable };
     State state = State::Unreadable;
