@@ -221,10 +221,12 @@ void LargestFilesDesk::showHeaderBox() {
 void LargestFilesDesk::showNote() {
     QString note;
     if (m_tree == nullptr) note = tr("The files are listed once everything has been read");
-    else if (m_list != nullptr && m_list->unansweredCount() > 0 && !m_wish.openings.empty())
-        note = tr("%1 left out: their disk does not answer whether openings are noted there")
-                   .arg(QLocale().toString(qulonglong(m_list->unansweredCount())));
-    else if (m_list != nullptr && m_list->unknownCount() > 0)
+    else if (m_list != nullptr && m_list->unansweredCount() > 0) {
+        // Before the first answers nobody knows what belongs in the list.
+        if (!m_wish.openings.empty())
+            note = tr("%1 left out: their disk does not answer whether openings are noted there")
+                       .arg(QLocale().toString(qulonglong(m_list->unansweredCount())));
+    } else if (m_list != nullptr && m_list->unknownCount() > 0)
         note = tr("%1 left out: it is not noted there when a file is opened")
                    .arg(QLocale().toString(qulonglong(m_list->unknownCount())));
     else if (m_list != nullptr && m_list->count() == 0) note = tr("No such files");
