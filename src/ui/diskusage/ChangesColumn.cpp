@@ -83,6 +83,12 @@ std::vector<std::uint32_t> wayTo(const ScanDifference& difference, std::uint32_t
     return way;
 }
 
+// What came in the place of something of the other kind is another entry of the same name. One that
+// a scan could not look into may have changed its kind in the comparison alone.
+bool isNodeOf(const ScanChange& change, const FSNode& node) {
+    return change.kind == ScanChange::Kind::Changed || change.isFolder == node.isDirectory();
+}
+
 }  // namespace
 
 QString changeText(std::int64_t change) {
@@ -130,10 +136,10 @@ QString changeMark(const ScanDifference& difference, const FSNode& node) {
 ChangedNode nodeOfChange(const ScanDifference& difference, std::uint32_t number, FSNode& root) {
     FSNode* node = &root;
     for (const std::uint32_t each : wayTo(difference, number)) {
+        const ScanChange& change = difference.all()[each];
         const auto children = node->children();
-        const auto found =
-            std::ranges::find(children, difference.name(difference.all()[each]), &FSNode::name);
-        if (found == children.end()) return {node, false};
+        const auto found = std::ranges::find(children, difference.name(change), &FSNode::name);
+        if (found == children.end() || !isNodeOf(change, **found)) return {node, false};
         node = *found;
     }
     return {node, true};
@@ -163,19 +169,19 @@ bool ChangesColumn::hadNode(const ScanChange& change) const {
 // What is too small for the tree stays as the scan had it.
 void ChangesColumn::takePresentSizes() {
     const auto [folder, isThere] = nodeOfChange(*m_difference, m_folder, m_scan->tree->root());
-    std::unordered_map<std::string_view, std::uint64_t> sizes;
+    std::unordered_map<std::string_view, const FSNode*> nodes;
     if (isThere)
-        for (const FSNode* const each : folder->children())
-            sizes.emplace(each->name(), each->size());
+        for (const FSNode* const each : folder->children()) nodes.emplace(each->name(), each);
     const ScanChange& whole = m_difference->all()[m_folder];
     m_rest = changeOf(whole.sizeBefore, isThere          ? folder->size()
                                         : hadNode(whole) ? 0
                                                          : whole.sizeAfter);
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
         const ScanChange& change = changeAt(int(i));
-        const auto found = sizes.find(m_difference->name(change));
-        m_rows[i].isRemoved = found == sizes.end() && hadNode(change);
-        m_rows[i].now = found != sizes.end()  ? found->second
+        const auto found = nodes.find(m_difference->name(change));
+        const bool hasNode = found != nodes.end() && isNodeOf(change, *found->second);
+        m_rows[i].isRemoved = !hasNode && hadNode(change);
+        m_rows[i].now = hasNode               ? found->second->size()
                         : m_rows[i].isRemoved ? 0
                                               : change.sizeAfter;
         m_rest -= this->change(int(i));

@@ -257,6 +257,17 @@ TEST(ChangesColumn, SaysWhatIsNotKnownOfAChange) {
               "folder, -1.50 MB, gone, a file is in its place\n");
     EXPECT_EQ(column.note(0), QStringLiteral("new")) << "nearly every new file is such a one";
     EXPECT_EQ(column.note(4), QStringLiteral("another file system there"));
+
+    // Sizes of this moment are not those of what came in the place of the other kind.
+    shown->hasChanged = true;
+    const ChangesColumn later(shown, 0);
+    for (const int row : {1, 2, 5, 7}) EXPECT_EQ(later.change(row), column.change(row)) << row;
+    EXPECT_EQ(later.change(later.rowCount()), 0) << "nothing is left to the last line";
+    EXPECT_FALSE(
+        nodeOfChange(*shown->compared, column.number(7).value(), shown->tree->root()).isItself);
+    EXPECT_EQ(
+        nodeOfChange(*shown->compared, column.number(2).value(), shown->tree->root()).node->size(),
+        6 * mega);
 }
 
 // By shape and lightness, in both palettes.
