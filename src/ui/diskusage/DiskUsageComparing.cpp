@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "engine/diskusage/history/ScanHistory.h"
+#include "engine/diskusage/history/changeWords.h"
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "services/foundation/runAside.h"
@@ -26,8 +27,6 @@
 
 namespace orrinvale {
 namespace {
-
-constexpr std::uint8_t partialScan = FSNode::CutWithin | FSNode::UnreadWithin;
 
 QString scanMoment(std::int64_t seconds) {
     return QLocale().toString(QDateTime::fromSecsSinceEpoch(seconds), QLocale::ShortFormat);
@@ -145,11 +144,11 @@ QString DiskUsageAppController::grownText(const Scanned* scanned) const {
     const std::uint64_t before = earlier.size;
     const std::uint64_t now = scanned->shown->tree->root().size();
     const std::uint64_t difference = std::max(before, now) - std::min(before, now);
-    const bool isPartial = ((earlier.marks | scanned->stored->facts.marks) & partialScan) != 0;
+    const bool isDoubtful = doubtWord(wholeChange(earlier, scanned->stored->facts)).has_value();
     constexpr std::uint64_t worthTelling = 1000;
     if (difference < worthTelling) return tr("As much as on %1").arg(scanDay(earlier.time));
     return (now > before ? tr("%1 more than on %2") : tr("%1 less than on %2"))
-        .arg(aboutText(bytesWords(difference), isPartial), scanDay(earlier.time));
+        .arg(aboutText(bytesWords(difference), isDoubtful), scanDay(earlier.time));
 }
 
 void DiskUsageAppController::refreshComparing() {

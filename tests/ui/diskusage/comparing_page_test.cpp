@@ -18,7 +18,8 @@ namespace {
 /// A page that keeps scans, with one of the folder a week ago.
 class ComparingPage : public UsagePage {
 public:
-    ComparingPage() : UsagePage(true) {
+    /// `marks`: of the earlier scan besides its own.
+    explicit ComparingPage(std::uint8_t marks = 0) : UsagePage(true) {
         defaults.setBool(true, rememberScansKey);
         fill(tree, "data");
         DiskUsageScan scan({.files = &files, .mainQueue = nullptr, .news = {}});
@@ -26,6 +27,7 @@ public:
         scan.waitForEnd();
         const auto record = scan.record();
         record->facts.time -= 7 * 86400;
+        record->facts.marks |= marks;
         record->facts.allFileSystems = true;  // as the page scans where nothing is set
         EXPECT_TRUE(history.keep(*parseScan(encodeScan(*record))));
     }
@@ -102,6 +104,17 @@ TEST(DiskUsagePage, TellsWhatChangedSinceAKeptScan) {
     EXPECT_TRUE(on.waitFor([&] { return on.keptFiles().empty(); }));
     EXPECT_FALSE(on.isEnabled("compareBtn"));
     EXPECT_EQ(on.said(0, 0), "films, 12.00 MB");
+}
+
+TEST(DiskUsagePage, TheLineBeforeAComparisonIsNoSurerThanItsTitle) {
+    ComparingPage on(FSNode::ForeignWithin);
+    on.change();
+    ASSERT_TRUE(on.scan("data"));
+    ASSERT_TRUE(on.waitFor([&] { return on.isShown("grownLine"); }));
+    EXPECT_TRUE(on.textOf("grownLine").starts_with("\u2248 8.01 MB more than on "));
+    on.click("grownLine");
+    ASSERT_TRUE(on.waitFor([&] { return on.isShown("changes"); }));
+    EXPECT_EQ(on.textOf("titleLabel"), "\u2248 8.01 MB more");
 }
 
 TEST(DiskUsagePage, KeepsNoScanWhereThatIsSwitchedOffAndTellsOfADamagedOne) {

@@ -150,14 +150,7 @@ struct ScanDifference::Merge {
     }
 
     bool run() {
-        ScanChange& root = made.m_all.emplace_back();
-        root.isFolder = true;
-        root.sizeBefore = made.m_before.size;
-        root.sizeAfter = made.m_after.size;
-        root.onDiskBefore = made.m_before.onDisk;
-        root.onDiskAfter = made.m_after.onDisk;
-        root.isPartial = ((made.m_before.marks | made.m_after.marks) & partialMarks) != 0;
-        root.isCovered = ((made.m_before.marks ^ made.m_after.marks) & coveredMarks) != 0;
+        made.m_all.push_back(wholeChange(made.m_before, made.m_after));
         open.push_back(0);
         if (!advance(old) || !advance(now)) return false;
         while (!open.empty())
@@ -180,6 +173,18 @@ struct ScanDifference::Merge {
     bool isFull = false;              // of names
     std::vector<std::uint32_t> open;  // numbers of the folders on the way
 };
+
+ScanChange wholeChange(const ScanFacts& before, const ScanFacts& after) {
+    ScanChange whole;
+    whole.isFolder = true;
+    whole.sizeBefore = before.size;
+    whole.sizeAfter = after.size;
+    whole.onDiskBefore = before.onDisk;
+    whole.onDiskAfter = after.onDisk;
+    whole.isPartial = ((before.marks | after.marks) & partialMarks) != 0;
+    whole.isCovered = ((before.marks ^ after.marks) & coveredMarks) != 0;
+    return whole;
+}
 
 std::optional<ScanDifference> ScanDifference::of(const StoredScan& before,
                                                  const StoredScan& after) {

@@ -42,6 +42,9 @@ struct ScanChange {
     [[nodiscard]] std::int64_t onDiskChange() const { return changeOf(onDiskBefore, onDiskAfter); }
 };
 
+/// Of all that two scans counted, without its weight; told of two that are not compared too.
+[[nodiscard]] ScanChange wholeChange(const ScanFacts& before, const ScanFacts& after);
+
 /// A tree of what differs: folders in which something does, and in them what. Sizes of folders are
 /// right to the byte from foldersFrom() on; of files under filesFrom() what they changed together
 /// is what the children of their folder do not explain. To be read by any thread once it is made.
