@@ -3876,6 +3876,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>in der Zukunft</translation>
     </message>
     <message>
+        <source>before 1970</source>
+        <translation>vor 1970</translation>
+    </message>
+    <message>
         <source>today</source>
         <translation>heute</translation>
     </message>

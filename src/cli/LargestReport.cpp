@@ -19,13 +19,16 @@ std::span<const LargestFiles::Row> printed(LargestFiles& list, std::size_t count
     return list.first(count).first(count);
 }
 
+// Of what lies before 1970 no more than that is known.
 std::string timeText(std::optional<std::int64_t> second) {
-    return second ? "\"" + iso8601(Date::fromSeconds(*second)) + "\"" : "null";
+    const bool isKnown = second && *second != FileNode::before1970;
+    return isKnown ? "\"" + iso8601(Date::fromSeconds(*second)) + "\"" : "null";
 }
 
 // The day, in the process's time zone.
 std::string dayText(std::optional<std::int64_t> second) {
     constexpr std::size_t dayLength = 10;
+    if (second == FileNode::before1970) return "pre-1970";
     return second ? iso8601(Date::fromSeconds(*second)).substr(0, dayLength) : "-";
 }
 

@@ -174,6 +174,15 @@ TEST(LargeCommand, listsTheFilesOfAllFoldersAsTheyAreWished) {
     EXPECT_EQ(both["files"], 2);
     EXPECT_EQ(both["entries"][0]["names"], 2);
     EXPECT_EQ(both["entries"][0]["modified"], "1970-01-01T00:00:00+00:00");
+    const timespec before[]{{-400 * 86400, 0}, {-400 * 86400, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, tree.at("note.txt").c_str(), before, 0), 0);
+    const Json earlier = Json::parse(named.run().output);
+    EXPECT_TRUE(earlier["files"] == 2 && earlier["entries"][0]["modified"].is_null() &&
+                earlier["entries"][0]["opened"].is_null())
+        << earlier;
+    named.arguments.pop_back();
+    EXPECT_THAT(named.run().output,
+                ::testing::HasSubstr("  pre-1970    " + tree.at("note.txt") + "  (one of"));
     EXPECT_EQ(both["openedUnanswered"], 0);
     EXPECT_EQ(first["names"], 1);
     expectStatuses("large", tree.path(),

@@ -49,6 +49,7 @@ QString withOtherNames(const QString& text, const FileNode& node, const char* be
 }
 
 QString dayText(std::int64_t second) {
+    if (second == FileNode::before1970) return LargestFilesModel::tr("before 1970");
     return QLocale().toString(QDateTime::fromSecsSinceEpoch(second).date(), QLocale::LongFormat);
 }
 
