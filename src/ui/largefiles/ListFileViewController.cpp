@@ -294,10 +294,9 @@ QString ListFileViewController::tickedText() const {
     const LargestFiles* const list = m_files->list();
     if (list == nullptr) return {};
     const QString size = sizeOf(list->bytes());
-    QString all =
-        list->count() == 1
-            ? tr("1 file, %1").arg(size)
-            : tr("%1 files, %2").arg(QLocale().toString(qulonglong(list->count())), size);
+    QString all = list->count() == 1
+                      ? tr("1 file, %1").arg(size)
+                      : tr("%1 files, %2").arg(QLocale().toString(qulonglong(list->count())), size);
     if (!isAny) return all;
     const std::uint64_t elsewhere = tickedElsewhere(ticked);
     if (elsewhere == 0) return tr("%1, ticked: %2").arg(all, sizeOf(ticked));
