@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "cli/Output.h"
@@ -45,6 +47,13 @@ void addTo(ShareAccount& account, const ShareList& list) {
                 account.kept.push_back({list.path(i), "stopped before it was done"});
         }
     }
+}
+
+// What was done is told all the same where somebody does not want to wait for a slow disk.
+std::optional<std::int64_t> gainOf(ShareList& list, Telling telling) {
+    const SearchWatch watch([&list] { list.stopMeasuring(); },
+                            [] { return std::string("measuring the free space"); }, telling);
+    return list.gained();
 }
 
 // What a search is told is no matter for a plan.
@@ -178,7 +187,7 @@ Status ShareCommand::share(const Arguments& arguments, const std::shared_ptr<Sha
     const Ending ending = runRemoval(m_files, list, makeDoor, tellingFor(arguments)).ending;
     addTo(account, *list);
     account.stopped = ending != Ending::Whole;
-    account.gained = list->gained();
+    if (!account.stopped && !onlyLooks) account.gained = gainOf(*list, tellingFor(arguments));
 
     if (!arguments.has("quiet") && (arguments.has("json") || arguments.has("print0")))
         for (const auto& each : account.kept)
