@@ -2,8 +2,10 @@
 // figure of what was gained.
 #include "engine/duplicates/share/ShareGivers.h"
 
+#include <functional>
 #include <future>
 #include <thread>
+#include <utility>
 
 #include "engine/duplicates/ShareRun.h"
 
@@ -93,6 +95,37 @@ TEST(ShareLinks, ALinkThatWasTakenBackIsKnownOfTheCopyThatStays) {
     EXPECT_EQ(run.list->takenBack()[0].with, tree.at("a"));
     EXPECT_TRUE(run.list->takenBack()[0].keptChanged);
     EXPECT_EQ(run.list->account()[0].changed, attributesOf(tree.at("b")).changed);
+}
+
+/// Something happens once the first copy is aside.
+class HookedAside final : public ForwardingFiles {
+public:
+    explicit HookedAside(std::function<void()> then)
+        : ForwardingFiles(files), m_then(std::move(then)) {}
+    SysResult<void> renameInside(int folder, const char* name, const char* newName) const override {
+        auto renamed = ForwardingFiles::renameInside(folder, name, newName);
+        if (!std::exchange(m_isDone, true)) m_then();
+        return renamed;
+    }
+
+private:
+    std::function<void()> m_then;
+    mutable bool m_isDone = false;
+};
+
+// The way aside and back gave it that time, though the giver that refused it at the end did not.
+TEST(ShareLinks, ACopyThatCameBackKeepsItsNewTimeWhateverALaterGiverDid) {
+    TestTree tree("/dev/shm");
+    ASSERT_TRUE(tree.write("a", "Same") && tree.write("b", "same") && tree.write("c", "same"));
+    DuplicatePlan plan = sharePlan({tree.at("a"), tree.at("b"), tree.at("c")});
+    plan.groups[0].members[1].goes = false;
+    const std::int64_t before = attributesOf(tree.at("c")).changed;
+    const HookedAside changing([&] { EXPECT_TRUE(tree.write("b", "SAME")); });
+    ShareRun run{.mayLink = true, .state = tree.at("state")};
+    EXPECT_EQ(run.run(changing, plan), "its contents are not those of the copy that stays; ");
+    EXPECT_EQ(contentOf(tree.at("c")), "same");
+    EXPECT_NE(attributesOf(tree.at("c")).changed, before);
+    EXPECT_EQ(run.list->account()[0].changed, attributesOf(tree.at("c")).changed);
 }
 
 // A disk that hangs never tells what is free.
