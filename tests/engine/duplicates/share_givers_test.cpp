@@ -134,12 +134,13 @@ TEST(ShareGain, NobodyWaitsForeverForTheFigure) {
     TestTree tree("/dev/shm");
     ASSERT_TRUE(tree.write("a", "same") && tree.write("b", "same"));
     const auto hung = std::make_shared<std::promise<void>>();
-    const auto answers = std::make_shared<std::atomic<int>>(0);
+    std::shared_ptr<std::atomic<int>> asked;  // of the newest list
     const std::shared_future<void> released = hung->get_future();
-    const auto ask = [answers, released](int most) -> FreeSpaceLook::Ask {
-        *answers = most;
-        return [answers, released](const std::set<std::string>&) -> std::optional<std::int64_t> {
-            if ((*answers)-- > 0) return 5;
+    const auto ask = [&asked, released](int most) -> FreeSpaceLook::Ask {
+        asked = std::make_shared<std::atomic<int>>(0);
+        return [count = asked, most,
+                released](const std::set<std::string>&) -> std::optional<std::int64_t> {
+            if (++*count <= most) return 5;
             released.wait();
             return 9;
         };
@@ -152,9 +153,10 @@ TEST(ShareGain, NobodyWaitsForeverForTheFigure) {
         return list;
     };
     for (const int before : {0, 1}) {
-        const auto list = listOf(milliseconds(60), before);
+        const auto list = listOf(milliseconds(300), before);
         EXPECT_FALSE(list->isMeasuring());
         EXPECT_EQ(list->gained(), std::nullopt) << "answers before it hangs: " << before;
+        EXPECT_EQ(*asked, before + 1);
     }
     const auto list = listOf(std::chrono::hours(1), 1);
     std::jthread stop([&] {
