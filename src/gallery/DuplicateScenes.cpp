@@ -416,6 +416,7 @@ bool DuplicateScenes::drawSharing() {
     ResultFrame::showLine(
         *line, sharedText({.files = 1090, .promised = 127'000'000, .gained = 126'400'000}));
     ResultFrame::showLine(*kept, unsharedText(outcome));
+    for (int turn = 0; turn < 3; ++turn) QApplication::processEvents();  // the bar makes room
     const bool isSaved = save("shared");
     ResultFrame::showLine(*line, {});
     ResultFrame::showLine(*kept, {});
