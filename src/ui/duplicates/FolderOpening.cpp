@@ -2,7 +2,9 @@
 #include "ui/duplicates/FolderOpening.h"
 
 #include <QTimer>
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <utility>
 
 #include "engine/duplicates/tree/SimpleTreeNode.h"
@@ -13,7 +15,8 @@
 namespace orrinvale {
 namespace {
 
-constexpr int mostListings = 4;
+constexpr std::ptrdiff_t mostListings = 4;
+constexpr std::size_t mostThreads = 32;  // with those that nobody waits for any more
 // Of most folders the rows are there before that, and nothing flickers.
 constexpr std::chrono::milliseconds beforeNotice{200};
 
@@ -30,10 +33,15 @@ void FolderOpening::open(const QModelIndex& row) {
     listNext();
 }
 
-void FolderOpening::close(const QModelIndex& row) { m_model.closeFolder(row); }
+void FolderOpening::close(const QModelIndex& row) {
+    m_model.closeFolder(row);
+    listNext();
+}
 
 void FolderOpening::listNext() {
-    while (m_running < mostListings && !m_waiting.empty()) {
+    const auto isAwaited = [](const OpenedFolders::Stop& each) { return !*each; };
+    while (!m_waiting.empty() && m_running.size() < mostThreads &&
+           std::ranges::count_if(m_running, isAwaited) < mostListings) {
         const OpenedFolders::Stop opening = std::move(m_waiting.front());
         m_waiting.pop_front();
         if (!*opening) list(opening);
@@ -42,9 +50,9 @@ void FolderOpening::listNext() {
 
 void FolderOpening::list(const OpenedFolders::Stop& opening) {
     const std::string path = m_model.pathOfOpening(opening);
-    ++m_running;
+    m_running.push_back(opening);
     const auto ended = [this, opening](FolderContents contents) {
-        --m_running;
+        std::erase(m_running, opening);
         m_model.showContents(opening, std::move(contents));
         listNext();
     };
@@ -53,7 +61,7 @@ void FolderOpening::list(const OpenedFolders::Stop& opening) {
         [files = m_services.files, path, opening] { return contentsOf(*files, path, *opening); },
         ended);
     if (worker != nullptr) return;
-    --m_running;
+    m_running.pop_back();
     m_model.showContents(opening, {.entries = {}, .fault = "Resource temporarily unavailable"});
 }
 

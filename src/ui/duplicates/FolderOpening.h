@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <deque>
+#include <vector>
 
 #include "ui/duplicates/OpenedFolders.h"
 
@@ -13,8 +14,8 @@ namespace orrinvale {
 class DuplicateResultModel;
 struct PageServices;
 
-/// On threads of its own, a few at a time, so that a disk that hangs holds up neither the list nor
-/// the other folders. Main thread only.
+/// On threads of its own, a few at a time, so that a disk that hangs holds up neither the list nor,
+/// once what waits for it is closed, the other folders. Main thread only.
 class FolderOpening final : public QObject {
 public:
     /// Both outlive it.
@@ -31,7 +32,7 @@ private:
     const PageServices& m_services;
     DuplicateResultModel& m_model;
     std::deque<OpenedFolders::Stop> m_waiting;
-    int m_running = 0;
+    std::vector<OpenedFolders::Stop> m_running;  // with those closed that a disk still holds
 };
 
 }  // namespace orrinvale

@@ -34,7 +34,7 @@ public:
     /// The tree or its ticks have changed. What was taken out leaves the list in batches, as often
     /// as the view can bear.
     void refresh();
-    /// Nothing more is taken out of the tree for now: what is said beside the list is made true.
+    /// A removal has ended: what is said beside the list is made true.
     void settle();
 
     /// What stands in the view; null before.

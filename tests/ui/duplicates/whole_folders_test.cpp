@@ -280,7 +280,8 @@ TEST_F(WholeFoldersShown, AreListedBesideTheWindowAndShownInPieces) {
             group = name;
     auto& outline = on.control<QTreeView>("outline");
     const QPersistentModelIndex many = on.row(group, "f/many1");
-    on.files.onReadFolder = [&] { listing.pass(); };
+    const auto begun = std::make_shared<std::atomic<int>>(0);
+    on.files.onReadFolder = [this, begun] { ++*begun, listing.pass(); };
     listing.shut();
     outline.expand(many.parent());
     outline.expand(many);
@@ -291,6 +292,10 @@ TEST_F(WholeFoldersShown, AreListedBesideTheWindowAndShownInPieces) {
     outline.collapse(many);
     EXPECT_EQ(on.model().rowCount(many), 0);
     outline.expand(many);  // while the other listing still waits
+    for (int threads = 2; threads <= 6; ++threads) {
+        EXPECT_SOON(*begun == threads) << *begun << ": what is closed takes no place";
+        if (threads < 6) outline.collapse(many), outline.expand(many);
+    }
     listing.open();
     ASSERT_SOON(on.model().rowCount(many) == 5000);
     outline.scrollTo(on.model().index(4999, 1, many));
