@@ -59,12 +59,12 @@ TEST(ShareLinks, AnotherCopyGivesItsBytesWhereTheOneThatStaysIsOfNoUse) {
     EXPECT_EQ(attributesOf(staying[3]).inode, attributesOf(staying[2]).inode);
     EXPECT_EQ(attributesOf(staying[4]).inode, attributesOf(staying[0]).inode);
     EXPECT_EQ(attributesOf(staying[1]).links, 1U);
-    // Each with contents of its own is compared with what gives its bytes.
+    // Each with contents of its own is compared with what gives its bytes, which was not the copy
+    // that stays.
     const Strings others = plan({"4/a"}, {"4/x", "4/y", "4/z"});
     ASSERT_TRUE(elsewhere.write("4/y", "Same"));
-    EXPECT_EQ(
-        ShareRun({.mayLink = true, .state = state}).run(files, sharePlan(others)),
-        std::string(otherSystem) + "its contents are not those of the copy that stays; link; ");
+    EXPECT_EQ(ShareRun({.mayLink = true, .state = state}).run(files, sharePlan(others)),
+              std::string(otherSystem) + std::string(otherSystem) + "link; ");
     EXPECT_EQ(contentOf(others[2]), "Same");
 }
 
@@ -122,7 +122,7 @@ TEST(ShareLinks, ACopyThatCameBackKeepsItsNewTimeWhateverALaterGiverDid) {
     const std::int64_t before = attributesOf(tree.at("c")).changed;
     const HookedAside changing([&] { EXPECT_TRUE(tree.write("b", "SAME")); });
     ShareRun run{.mayLink = true, .state = tree.at("state")};
-    EXPECT_EQ(run.run(changing, plan), "its contents are not those of the copy that stays; ");
+    EXPECT_EQ(run.run(changing, plan), "no other verified copy is left; ");
     EXPECT_EQ(contentOf(tree.at("c")), "same");
     EXPECT_NE(attributesOf(tree.at("c")).changed, before);
     EXPECT_EQ(run.list->account()[0].changed, attributesOf(tree.at("c")).changed);
@@ -165,6 +165,17 @@ TEST(ShareGain, NobodyWaitsForeverForTheFigure) {
     });
     EXPECT_EQ(list->gained(), std::nullopt);
     EXPECT_EQ(listOf(std::chrono::hours(1), 2)->gained(), 0);
+    ShareList stopped(files, sharePlan({tree.at("a"), tree.at("b")}));
+    stopped.measureGain(std::chrono::hours(1), ask(0));
+    stopped.prepare();
+    std::atomic<bool> isStopped{false};
+    stopped.listenTo(isStopped);
+    std::jthread signal([&] {
+        while (!stopped.isMeasuring()) std::this_thread::sleep_for(milliseconds(1));
+        isStopped = true;
+    });
+    stopped.turnHasCome();
+    EXPECT_TRUE(isStopped);
     hung->set_value();
 }
 

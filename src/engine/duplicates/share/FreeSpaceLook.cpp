@@ -39,12 +39,12 @@ FreeSpaceLook::FreeSpaceLook(std::shared_ptr<const std::set<std::string>> folder
 }
 
 std::optional<std::int64_t> FreeSpaceLook::wait(std::chrono::milliseconds patience,
-                                                const std::atomic<bool>& stop) const {
+                                                const std::function<bool()>& isUnwanted) const {
     using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds betweenLooks{20};  // at the stop
+    constexpr std::chrono::milliseconds betweenLooks{20};
     const auto until = Clock::now() + patience;
     std::unique_lock lock(m_answer->mutex);
-    while (!m_answer->isThere && !stop && Clock::now() < until)
+    while (!m_answer->isThere && !isUnwanted() && Clock::now() < until)
         m_answer->came.wait_for(lock, betweenLooks);
     return m_answer->isThere ? m_answer->free : std::nullopt;
 }

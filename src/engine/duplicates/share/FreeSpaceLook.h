@@ -1,7 +1,6 @@
 // FreeSpaceLook: what is free behind folders, asked aside, since a disk that hangs never answers.
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -24,9 +23,9 @@ public:
 
     FreeSpaceLook(std::shared_ptr<const std::set<std::string>> folders, Ask ask);
 
-    /// The answer, if it comes within this time and before a stop. Any thread.
+    /// The answer, if it comes within this time and before nobody wants it any more. Any thread.
     [[nodiscard]] std::optional<std::int64_t> wait(std::chrono::milliseconds patience,
-                                                   const std::atomic<bool>& stop) const;
+                                                   const std::function<bool()>& isUnwanted) const;
 
 private:
     struct Answer;

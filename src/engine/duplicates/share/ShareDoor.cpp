@@ -42,6 +42,10 @@ RemovalResult notHeld(const std::string& path, const HeldEntry::Objection& why) 
     return result;
 }
 
+bool hasOtherContents(const RemovalResult& result) {
+    return !result.failures.empty() && result.failures.front().reason == stay::otherContents;
+}
+
 void logShare(const std::string& path, const RemovalResult& result) {
     if (result.shared)
         Log::line(fmt::format("{} has its bytes in common with {}{}", path, result.shared->with,
@@ -69,7 +73,7 @@ RemovalResult ShareDoor::share(LeavingEntry entry, const std::atomic<bool>& stop
                           m_withoutExtents.contains(entry.identity->device);
     if (!first.isOfThese || !m_order.group || !entry.identity || hasNoWay)
         return std::move(first.result);
-    if (group.staying != nullptr) m_givers.learnStaying(*group.staying, entry.look->kept()->path);
+    if (group.staying != nullptr) m_givers.learnStaying(*group.staying);
     Attempt other = shareWithGivers(entry, stop);
     // What was aside and came back has another time of change, whatever a later attempt came to.
     RemovalResult& told = other.isOfThese ? first.result : other.result;
@@ -78,7 +82,8 @@ RemovalResult ShareDoor::share(LeavingEntry entry, const std::atomic<bool>& stop
     return std::move(told);
 }
 
-// What keeps its bytes in the end may give them to the next ones.
+// What keeps its bytes in the end may give them to the next ones. What differs from a giver keeps
+// the reason that it had with the copy that stays, gives nothing, and asks no further one.
 ShareDoor::Attempt ShareDoor::shareWithGivers(LeavingEntry& entry, const std::atomic<bool>& stop) {
     using Way = ShareGivers::Way;
     Attempt last{{}, true};
@@ -88,12 +93,17 @@ ShareDoor::Attempt ShareDoor::shareWithGivers(LeavingEntry& entry, const std::at
         const bool isLink = way == Way::Link;
         if (isLink ? !m_order.objectionToLink : m_withoutExtents.contains(kind->device)) continue;
         while (const auto giver = m_givers.next(way, *kind)) {
+            if (giver->path == entry.look->kept()->path) {  // asked already
+                m_givers.drop(way, *kind);
+                continue;
+            }
             FileLook look(m_files, *giver, true);
             Attempt made = attempt(entry, look, {!isLink, isLink}, stop);
             if (!made.result.changed && !made.result.shared)
                 made.result.changed = last.result.changed;
-            if (!made.isOfThese) return made;
             last.result.changed = made.result.changed;
+            if (hasOtherContents(made.result)) return last;
+            if (!made.isOfThese) return made;
             m_givers.drop(way, *kind);
         }
     }

@@ -36,10 +36,10 @@ void ShareGivers::enter(std::size_t number) {
     m_changed.clear();
 }
 
-void ShareGivers::learnStaying(const std::vector<KeptCopy>& staying, const std::string& butFor) {
+void ShareGivers::learnStaying(const std::vector<KeptCopy>& staying) {
     if (std::exchange(m_knowsStaying, true)) return;
     for (const KeptCopy& each : staying) {
-        if (each.path == butFor || each.identity.type != FileType::Regular) continue;
+        if (each.identity.type != FileType::Regular) continue;
         ReadState state;
         const auto file =
             m_files.openFile(FileSystem::noParent, each.path.c_str(), Links::Keep, state);

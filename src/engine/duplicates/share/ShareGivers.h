@@ -46,8 +46,8 @@ public:
                                              int file);
     /// The copy whose turn it is belongs to the group of this number.
     void enter(std::size_t number);
-    /// Once for each group, where one is needed: further copies that stay.
-    void learnStaying(const std::vector<KeptCopy>& staying, const std::string& butFor);
+    /// Once for each group, where one is needed: all copies that stay.
+    void learnStaying(const std::vector<KeptCopy>& staying);
     /// Whom to ask next; nothing after the last.
     [[nodiscard]] std::optional<KeptCopy> next(Way way, const Kind& kind) const;
     /// It was of no use, and will be of none to others of the kind.

@@ -111,20 +111,27 @@ void ShareList::measureGain(std::chrono::milliseconds patience, FreeSpaceLook::A
     m_ask = std::move(ask);
 }
 
-void ShareList::turnHasCome() {
-    m_copies.turnHasCome();
-    if (m_ask) m_freeBefore = measured();
+void ShareList::listenTo(const std::atomic<bool>& stop) {
+    m_stop = &stop;
+    m_copies.listenTo(stop);
 }
 
-std::optional<std::int64_t> ShareList::measured() const {
+void ShareList::turnHasCome() {
+    m_copies.turnHasCome();
+    if (m_ask) m_freeBefore = measured(m_stop);
+}
+
+std::optional<std::int64_t> ShareList::measured(const std::atomic<bool>* stop) const {
     m_isMeasuring = true;
-    const auto free = FreeSpaceLook(m_folders, m_ask).wait(m_patience, m_isGainUnwanted);
+    const auto free = FreeSpaceLook(m_folders, m_ask).wait(m_patience, [&] {
+        return m_isGainUnwanted || (stop != nullptr && *stop);
+    });
     m_isMeasuring = false;
     return free;
 }
 
 std::optional<std::int64_t> ShareList::gained() const {
-    const auto free = m_freeBefore ? measured() : std::nullopt;
+    const auto free = m_freeBefore ? measured(nullptr) : std::nullopt;
     return free ? std::optional(*free - *m_freeBefore) : std::nullopt;
 }
 

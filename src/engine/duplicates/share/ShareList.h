@@ -26,7 +26,7 @@ public:
     /// A sound plan: faultOf() has nothing against it. The file system outlives the list.
     ShareList(const FileSystem& files, const DuplicatePlan& plan);
 
-    void listenTo(const std::atomic<bool>& stop) override { m_copies.listenTo(stop); }
+    void listenTo(const std::atomic<bool>& stop) override;
     void prepare() override { m_copies.prepare(); }
     void turnHasCome() override;
     [[nodiscard]] std::size_t size() const override { return m_copies.size(); }
@@ -88,7 +88,7 @@ private:
     void noteLinked(std::size_t index, const FileKey& kept);
 
     void learnStaying(const FileSystem& files, const DuplicatePlan& plan);
-    [[nodiscard]] std::optional<std::int64_t> measured() const;
+    [[nodiscard]] std::optional<std::int64_t> measured(const std::atomic<bool>* stop) const;
 
     std::vector<std::size_t> m_groups;  // of the entries; before the next, which fills it
     PlanRemoval m_copies;
@@ -101,6 +101,7 @@ private:
     std::shared_ptr<std::set<std::string>> m_folders;  // of what goes
     FreeSpaceLook::Ask m_ask = nullptr;                // empty: nobody does
     std::chrono::milliseconds m_patience{0};
+    const std::atomic<bool>* m_stop = nullptr;  // the job's, while it is there
     mutable std::atomic<bool> m_isMeasuring{false};
     std::atomic<bool> m_isGainUnwanted{false};
     std::optional<std::int64_t> m_freeBefore;
