@@ -30,7 +30,7 @@ public:
 
     /// Just before the removal, when the entry is aside under this name, or still has its own where
     /// it can not be set aside: what was compared is still what stands there. The copy that stays
-    /// is looked at by the caller.
+    /// is looked at by the caller. After a stop, that of before(), it says nothing that counts.
     [[nodiscard]] virtual std::optional<StayedEntry> last(const HeldEntry& leaving,
                                                           const std::string& name) = 0;
 

@@ -27,6 +27,12 @@ StayedEntry failureOf(const std::string& path, int error) {
     return {path, systemError("remove", {}, error).reason(), stayReasonOf(error)};
 }
 
+RemovalResult stoppedBefore() {
+    RemovalResult result;
+    result.stopped = true;
+    return result;
+}
+
 void logCopy(const std::string& path, const RemovalResult& result) {
     if (result.gone) Log::line(fmt::format("Removed {} ({} entries)", path, result.removed));
     else if (result.stopped) Log::line(fmt::format("Stopped removing {}", path));
@@ -52,11 +58,7 @@ RemovalResult PlainDoor::remove(const LeavingEntry& entry, const std::atomic<boo
 RemovalResult PlainDoor::removeCopy(const HeldEntry& held, const LeavingEntry& entry,
                                     const std::atomic<bool>& stop) {
     if (auto reason = entry.look->before(held, stop)) return stayedWith(std::move(*reason));
-    if (stop) {
-        RemovalResult result;
-        result.stopped = true;
-        return result;
-    }
+    if (stop) return stoppedBefore();
     SetAside aside(m_files, m_ground, held);
     const auto taken =
         entry.token.empty() ? tl::expected<bool, StayedEntry>(false) : aside.take(entry.token);
@@ -70,8 +72,9 @@ RemovalResult PlainDoor::removeAside(SetAside& aside, const HeldEntry& held,
     RemovalResult result;
     auto reason = aside.objection(entry.look->kept());
     if (!reason) reason = entry.look->last(held, aside.name());
-    if (reason) fail(result, std::move(*reason));
-    else unlink(held, aside.name(), entry, stop, result);
+    result.stopped = stop;  // for which the last look may have been cut short
+    if (reason && !result.stopped) fail(result, std::move(*reason));
+    else if (!result.stopped) unlink(held, aside.name(), entry, stop, result);
     const auto left = m_files.attributes(held.parent.get(), aside.name().c_str(), Links::Keep);
     result.gone = !left && left.error() == ENOENT;
     result.byOthers = result.gone && result.removed == 0;
@@ -94,7 +97,9 @@ RemovalResult PlainDoor::removeInPlace(const HeldEntry& held, const LeavingEntry
     if (const auto& kept = entry.look->kept())
         if (auto reason = objectionWithoutRename(m_files, m_ground, held, *kept))
             return stayedWith(std::move(*reason));
-    if (auto reason = entry.look->last(held, held.name)) return stayedWith(std::move(*reason));
+    auto reason = entry.look->last(held, held.name);
+    if (stop) return stoppedBefore();
+    if (reason) return stayedWith(std::move(*reason));
     RemovalResult result;
     const auto entryHeld = m_files.holdEntry(held.parent.get(), held.name.c_str());
     unlink(held, held.name, entry, stop, result);

@@ -50,7 +50,10 @@ RemovalResult TrashDoor::remove(const LeavingEntry& entry, const std::atomic<boo
         if (auto why = entry.look->before(*held, stop)) return stays(std::move(*why));
         result.stopped = stop;
         if (stop) return result;
-        if (auto why = lookAgain(*held, *entry.look, begun)) return stays(std::move(*why));
+        auto why = lookAgain(*held, *entry.look, begun);
+        result.stopped = stop;
+        if (stop) return result;
+        if (why) return stays(std::move(*why));
     }
     move(*held, entry.look, result);
     return result;

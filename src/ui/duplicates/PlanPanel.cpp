@@ -32,7 +32,7 @@ using PlanRow = const PlanMember*;
 static_assert(std::is_nothrow_destructible_v<TickColumn<PlanRow>>);  // see TickModel.h
 
 std::vector<TickColumn<PlanRow>> planColumns() {
-    return {{.title = PlanPanel::tr("File"),
+    return {{.title = PlanPanel::tr("Name"),
              .look = CellLook::PathName,
              .text = [](const PlanRow& row) { return QString::fromStdString(row->path); }},
             {.name = PlanPanel::tr("What becomes of it"),

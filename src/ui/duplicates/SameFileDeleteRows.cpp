@@ -122,6 +122,13 @@ void SameFileDeleteViewController::openFolder(const QModelIndex& index) {
     m_opening->open(opened);
 }
 
+// Rows must not come into order while others leave.
+void SameFileDeleteViewController::closeFolder(const QModelIndex& index) {
+    const QPersistentModelIndex closed(index);
+    finishSorting();
+    m_opening->close(closed);
+}
+
 // The current row, over which its menu stood.
 void SameFileDeleteViewController::toggleFolder(std::uint64_t resultNumber) {
     if (!bSearchFinished() || resultNumber != m_resultNumber) return;

@@ -156,7 +156,7 @@ void SameFileDeleteViewController::connectControls() {
     connect(views.outline->header(), &QHeaderView::sectionClicked, this,
             &Self::didClickTableColumn);
     connect(views.outline, &QTreeView::expanded, this, &Self::openFolder);
-    connect(views.outline, &QTreeView::collapsed, m_opening.get(), &FolderOpening::close);
+    connect(views.outline, &QTreeView::collapsed, this, &Self::closeFolder);
     connect(views.outline, &ResultOutline::menuWanted, this, &Self::showRowMenu);
     connect(views.outline, &ResultOutline::previewWanted, this, &Self::openFinderBtnClicked);
     startPreview(views, m_parts);

@@ -278,6 +278,7 @@ private:
 
     // One row.
     void openFolder(const QModelIndex& index);
+    void closeFolder(const QModelIndex& index);
     void toggleFolder(std::uint64_t resultNumber);
     void shouldSelectItem(const QModelIndex& index);
     [[nodiscard]] std::string pathOf(const QModelIndex& index) const;

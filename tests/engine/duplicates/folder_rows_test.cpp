@@ -192,6 +192,12 @@ TEST_F(WholeFolders, TakeTheLastCopyOfOthersOnlyWhereThatWasAsked) {
     on.selection.clearGoing(on.views.inFolders());
     EXPECT_EQ(on.seen(), "folders: f/a f/bx\np: f/c/p f/d/p\nx: f/a/xx f/b/x- f/c/x\n");
     EXPECT_EQ(simpleData(*group)->showSelectNumStr(), "1/3");
+    // A click on a file looks at no other group.
+    simpleData(*group)->setShowSelectNumStr("kept");
+    on.tick("f/c/p");
+    EXPECT_EQ(simpleData(*group)->showSelectNumStr(), "kept");
+    on.tick("f/c/p"), on.tick("f/b"), on.tick("f/b");
+    EXPECT_EQ(simpleData(*group)->showSelectNumStr(), "1/3");
     EXPECT_EQ(on.selection.sums().copies, 2U);
     EXPECT_EQ(on.selection.allSelectNumArr().size(), 2U);
 }
@@ -328,6 +334,24 @@ TEST_F(WholeFolders, HearAStopWhileTheyAreListed) {
                 << (outcome.stayed.empty() ? std::string() : outcome.stayed[0].reason);
             EXPECT_TRUE(fs::exists(tree.at("f/b/sub/y")));
         }
+    // And once more when the one is aside, from where it comes back.
+    WatchedFiles files;
+    std::atomic<bool> stop{false};
+    bool isAside = false;
+    int reads = 0;
+    files.beforeRemoval = [&](std::string_view operation) {
+        isAside = isAside || operation == "renameInside";
+        if (isAside && operation == "readFolder") stop = ++reads > 10;
+    };
+    RemovalPlan list(files, on.selection.allSelectNumArr().entries(),
+                     RemovalPlan::Comparing::Never);
+    PlainDoor door(files, {});
+    const RemovalOutcome outcome =
+        RemovalRun(files, tree.at("state"), list, door, stop, testing::nobodyTold()).run();
+    EXPECT_LT(reads, 15);
+    EXPECT_TRUE(isAside && outcome.stopped);
+    EXPECT_EQ(outcome.failed + outcome.removed + outcome.stayed.size(), 0U);
+    EXPECT_TRUE(fs::exists(tree.at("f/b/many7/z")));
 }
 
 TEST_F(WholeFolders, ShowWhatIsInThemNow) {

@@ -91,6 +91,7 @@ BundleLook::BundleLook(const FileSystem& files, Digests digests, std::optional<K
 
 std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving,
                                               const std::atomic<bool>& stop) {
+    m_stop = &stop;
     auto reason = listBoth(leaving, leaving.name, stop);
     if (stop) return std::nullopt;  // for which a list was cut short
     if (reason) return reason;
@@ -99,7 +100,7 @@ std::optional<StayedEntry> BundleLook::before(const HeldEntry& leaving,
 
 std::optional<StayedEntry> BundleLook::last(const HeldEntry& leaving, const std::string& name) {
     const std::atomic<bool> never{false};
-    auto reason = listBoth(leaving, name, never);
+    auto reason = listBoth(leaving, name, m_stop != nullptr ? *m_stop : never);
     if (!reason) m_seen.emplace(seenOf(m_leavingList, inodesPass(leaving.attributes.device)));
     return reason;
 }

@@ -54,6 +54,7 @@ private:
     const bool m_compares;
     const ListingObjection m_objection;
     const std::vector<std::uint64_t> m_passing;
+    const std::atomic<bool>* m_stop = nullptr;  // of before()
     BundleListing m_leavingList;
     BundleListing m_keptList;
     std::optional<SeenEntries> m_seen;

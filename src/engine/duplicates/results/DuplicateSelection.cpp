@@ -28,8 +28,8 @@ FolderHold quickHold(const SimpleNodeData& leaf) {
     return leaf.folderTies() == nullptr ? FolderHold::Free : holdOf(leaf);
 }
 
-bool isHeldAs(const TreeNode::Pointer& leaf, FolderHold hold) {
-    return quickHold(*simpleData(*leaf)) == hold;
+bool isHeldAs(const TreeNode& leaf, FolderHold hold) {
+    return quickHold(*simpleData(leaf)) == hold;
 }
 
 // Neither a rule nor a box of many ticks it.
@@ -45,7 +45,7 @@ const TreeNode* copyThatStays(const TreeNode& group) {
     for (const FolderHold hold : {FolderHold::Stays, FolderHold::Free})
         for (std::size_t i = group.numberOfChildren(); i-- > 0;)
             if (const TreeNode::Pointer& leaf = group.childAtIndex(i);
-                !simpleData(*leaf)->isProtected() && isHeldAs(leaf, hold))
+                !simpleData(*leaf)->isProtected() && isHeldAs(*leaf, hold))
                 return leaf.get();
     return group.lastChild().get();
 }
@@ -53,7 +53,7 @@ const TreeNode* copyThatStays(const TreeNode& group) {
 std::size_t countGoing(const TreeNode& group) {
     std::size_t count = 0;
     for (std::size_t i = 0; i < group.numberOfChildren(); ++i)
-        count += isHeldAs(group.childAtIndex(i), FolderHold::Goes) ? 1U : 0U;
+        count += isHeldAs(*group.childAtIndex(i), FolderHold::Goes) ? 1U : 0U;
     return count;
 }
 
@@ -181,6 +181,7 @@ void DuplicateSelection::tickAllBut(const TreeNode& leaf) {
     TreeNode& group = *leaf.nodeParent();
     if (simpleData(group)->isProtected()) return;
     bool isHeldBack = false;
+    m_isSettled = m_isSettled && !isHeldAs(leaf, FolderHold::Goes);
     for (const TreeNode::Pointer& child : group.children()) {
         SimpleNodeData& data = *simpleData(*child);
         if (child.get() == &leaf) {
@@ -209,6 +210,7 @@ void DuplicateSelection::setTicks(TreeNode& group, std::span<const std::uint8_t>
             ticked[i] != 0 && !data.isProtected() && quickHold(data) != FolderHold::Goes;
         if (!isTicked) clear(data);
         else if (data.selectNum() != 1) tick(leaf);
+        m_isSettled = m_isSettled && data.folderTies() == nullptr;
         count += isTicked ? 1U : 0U;
     }
     const bool isWhole = wasWhole && count == group.numberOfChildren();
@@ -227,6 +229,7 @@ void DuplicateSelection::clearLeaves(TreeNode& group, std::size_t shownCount) {
 
 void DuplicateSelection::setAll(TreeNode& tree, bool on) {
     const std::size_t groups = tree.numberOfChildren();
+    m_isSettled = m_isSettled && !on;
     if (on)
         for (TreeNode* const folders : wholeFoldersOf(tree)) tickInHeader(*folders);
     for (std::size_t g = 0; g < groups; ++g) {
@@ -262,9 +265,11 @@ void DuplicateSelection::tickInHeader(TreeNode& group) {
     showGroup(group, ticked == 0 && isHeldBack ? 0 : 2, ticked);
 }
 
-// The folders first: one that is cleared may be what others would go with.
+// The folders first: one that is cleared may be what others would go with. A click on a file, of
+// which there are many, needs no look at all groups with copies in folders.
 void DuplicateSelection::clearGoing(Leaves inFolders) {
     for (const bool areFolders : {true, false}) clearGoing(inFolders, areFolders);
+    m_isSettled = true;
 }
 
 void DuplicateSelection::clearGoing(Leaves inFolders, bool isOfFolders) {
@@ -277,6 +282,7 @@ void DuplicateSelection::clearGoing(Leaves inFolders, bool isOfFolders) {
         clear(data);
         isAnyCleared = true;
     }
+    if (m_isSettled && !isAnyCleared) return;
     forGroups(inFolders, [&](TreeNode& group) {
         const SimpleNodeData& data = *simpleData(group);
         if (data.selectNum() != 0 && (data.wholeFolder() != nullptr) == isOfFolders)
@@ -327,6 +333,7 @@ void DuplicateSelection::count(const SimpleNodeData& leaf, bool isTicked) {
     const auto change = [isTicked](auto& sum, auto by) {
         sum = isTicked ? sum + by : sum - std::min<decltype(sum + by)>(sum, by);
     };
+    m_isSettled = m_isSettled && leaf.wholeFolder() == nullptr;
     change(m_sums.copies, std::size_t{1});
     if (leaf.liesOutside()) change(m_sums.outside, std::size_t{1});
     const EntryIdentity* const identity = leaf.identity() ? &*leaf.identity() : nullptr;
@@ -340,6 +347,7 @@ void DuplicateSelection::count(const SimpleNodeData& leaf, bool isTicked) {
 void DuplicateSelection::recount() {
     m_sums = {};
     m_gain = {};
+    m_isSettled = false;  // copies may have gone
     std::vector<TreeNode::Pointer> leaves = m_ticked.entries();
     std::sort(leaves.begin(), leaves.end());
     leaves.erase(std::unique(leaves.begin(), leaves.end()), leaves.end());

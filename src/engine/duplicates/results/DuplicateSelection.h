@@ -135,7 +135,8 @@ private:
 
     TickedLeaves m_ticked;
     TickedSums m_sums;
-    GainCount m_gain;  // behind m_sums.bytes
+    GainCount m_gain;         // behind m_sums.bytes
+    bool m_isSettled = true;  // nothing since clearGoing() made a group lose all its copies unasked
 };
 
 }  // namespace orrinvale
