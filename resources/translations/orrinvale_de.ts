@@ -3880,6 +3880,10 @@ Freie Software unter der Apache License 2.0.</translation>
         <translation>vor 1970</translation>
     </message>
     <message>
+        <source>2106 or later</source>
+        <translation>2106 oder später</translation>
+    </message>
+    <message>
         <source>today</source>
         <translation>heute</translation>
     </message>
@@ -4118,6 +4122,10 @@ Freie Software unter der Apache License 2.0.</translation>
             <numerusform>%Ln der Dateien hat weitere Namen und gibt keinen Platz frei, solange einer davon bleibt.</numerusform>
             <numerusform>%Ln der Dateien haben weitere Namen und geben keinen Platz frei, solange einer davon bleibt.</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>What lies in folders and has other names elsewhere frees nothing while one of them is left.</source>
+        <translation>Was in Ordnern liegt und anderswo weitere Namen hat, gibt keinen Platz frei, solange einer davon bleibt.</translation>
     </message>
 </context>
 <context>
@@ -4590,8 +4598,8 @@ Freie Software unter der Apache License 2.0.</translation>
 <context>
     <name>orrinvale::PlanPanel</name>
     <message>
-        <source>File</source>
-        <translation>Datei</translation>
+        <source>Name</source>
+        <translation>Name</translation>
     </message>
     <message>
         <source>What becomes of it</source>

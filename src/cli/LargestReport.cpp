@@ -19,9 +19,9 @@ std::span<const LargestFiles::Row> printed(LargestFiles& list, std::size_t count
     return list.first(count).first(count);
 }
 
-// Of what lies before 1970 no more than that is known.
+// Of what lies before 1970 no more than that is known, and nothing more of what lies after 2106.
 std::string timeText(std::optional<std::int64_t> second) {
-    const bool isKnown = second && *second != FileNode::before1970;
+    const bool isKnown = second && *second != FileNode::before1970 && *second != FileNode::from2106;
     return isKnown ? "\"" + iso8601(Date::fromSeconds(*second)) + "\"" : "null";
 }
 
@@ -29,6 +29,7 @@ std::string timeText(std::optional<std::int64_t> second) {
 std::string dayText(std::optional<std::int64_t> second) {
     constexpr std::size_t dayLength = 10;
     if (second == FileNode::before1970) return "pre-1970";
+    if (second == FileNode::from2106) return "from 2106";
     return second ? iso8601(Date::fromSeconds(*second)).substr(0, dayLength) : "-";
 }
 

@@ -24,8 +24,8 @@ inline void askAccessTime(CatalogEntry& entry) { entry.attributes.mount = access
 }
 
 /// Whether reading a file at the path leaves a time behind: not on what is mounted "noatime" or for
-/// reading only. Most mounts are "relatime", which is true to a day. May hang as long as the file
-/// system does.
-[[nodiscard]] bool keepsAccessTimes(const std::string& path);
+/// reading only. Most mounts are "relatime", which is true to a day. Nothing where the file system
+/// answers with an error; may hang as long as it does.
+[[nodiscard]] std::optional<bool> keepsAccessTimes(const std::string& path);
 
 }  // namespace orrinvale

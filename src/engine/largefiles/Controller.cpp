@@ -140,6 +140,10 @@ TickedTotals Controller::ticked() const {
     return m_aRootArr ? totalsOf(m_aRootArr->root().childrenInAnyOrder()) : TickedTotals();
 }
 
+bool Controller::mayHoldLinked(std::size_t looks) const {
+    return m_aRootArr && orrinvale::mayHoldLinked(m_aRootArr->root().childrenInAnyOrder(), looks);
+}
+
 void Controller::changeSelectAllButtonState() {
     const std::int32_t state = m_aRootArr ? summaryOf(m_aRootArr->root().childrenInAnyOrder()) : 0;
     if (_aDelegate != nullptr) _aDelegate->changeSelectAllButtonState(state);

@@ -2,6 +2,7 @@
 // consistent up and down the tree, and removes what is ticked.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -75,6 +76,8 @@ public:
     void changeSelectOfFiles(const LargestFiles& list, std::uint8_t state);
     /// What deleteFilesWithDic() would take.
     [[nodiscard]] TickedTotals ticked() const;
+    /// Of that, see orrinvale::mayHoldLinked().
+    [[nodiscard]] bool mayHoldLinked(std::size_t looks) const;
     void changeSelectAllButtonState();
     void selectAllFileNode(std::uint8_t state);
     void reloadTree();

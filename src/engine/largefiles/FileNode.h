@@ -75,6 +75,7 @@ public:
     [[nodiscard]] std::optional<std::int64_t> lastWritten() const { return secondOf(m_childRoom); }
     [[nodiscard]] std::optional<std::int64_t> lastOpened() const { return secondOf(m_ordered); }
     static constexpr std::int64_t before1970 = -1;
+    static constexpr std::int64_t from2106 = 4'294'967'293;  ///< stands for all later ones too
     /// Which of FileNodeTree::firstOfDevices() has its device.
     [[nodiscard]] std::uint16_t deviceNumber() const { return m_device; }
 

@@ -160,6 +160,33 @@ TickedTotals totalsOf(std::span<FileNode* const> nodes) {
     return totals;
 }
 
+bool mayHoldLinked(std::span<FileNode* const> nodes, std::size_t looks) {
+    std::vector<FileNode*> mixed;
+    std::vector<FileNode*> going;
+    const auto take = [&](std::span<FileNode* const> siblings) {
+        for (FileNode* const node : siblings)
+            if (node->state() == FileNode::Mixed) mixed.push_back(node);
+            else if (node->state() == FileNode::Selected && node->isDirectory())
+                going.push_back(node);
+    };
+    take(nodes);
+    while (!mixed.empty()) {
+        FileNode* const folder = mixed.back();
+        mixed.pop_back();
+        take(folder->childrenInAnyOrder());
+    }
+    while (!going.empty()) {
+        FileNode* const folder = going.back();
+        going.pop_back();
+        for (FileNode* const node : folder->childrenInAnyOrder()) {
+            if (looks-- == 0) return true;
+            if (node->isDirectory()) going.push_back(node);
+            else if (node->links() > 1) return true;
+        }
+    }
+    return false;
+}
+
 std::int32_t summaryOf(std::span<FileNode* const> nodes) {
     std::size_t ticked = 0;
     bool isMixed = false;

@@ -62,6 +62,10 @@ struct TickedTotals {
 /// Of tickedOf() the count and the sizes.
 [[nodiscard]] TickedTotals totalsOf(std::span<FileNode* const> nodes);
 
+/// Whether a file that has other names too lies below ticked folders of these, as far as so many
+/// looks tell: true where they do not come to an end.
+[[nodiscard]] bool mayHoldLinked(std::span<FileNode* const> nodes, std::size_t looks);
+
 /// 0 nothing of these is ticked, 1 all of it, 2 something.
 [[nodiscard]] std::int32_t summaryOf(std::span<FileNode* const> nodes);
 

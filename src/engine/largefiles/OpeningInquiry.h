@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,19 +23,21 @@ class OpeningInquiry final {
 public:
     static constexpr std::size_t mostAtOnce = 64;
 
-    using Ask = std::function<bool(const std::string& place)>;
+    /// Nothing for an error.
+    using Ask = std::function<std::optional<bool>(const std::string& place)>;
 
     /// A place on each disk. Begins at once. `ask` is called on any thread, and may never return.
     explicit OpeningInquiry(std::vector<std::string> places, Ask ask = {});
     /// Of the disks of the tree, by FileNode::deviceNumber().
     explicit OpeningInquiry(const FileNodeTree& tree);
 
-    /// What has been answered once all of it is, or so much time has passed. By number of the
-    /// place. Any thread.
+    /// What has been answered once all of it is, or so much time has passed; a disk that answered
+    /// with an error before is asked once more. By number of the place. Any thread.
     [[nodiscard]] std::vector<OpeningNotes> wait(std::chrono::milliseconds patience) const;
 
 private:
     struct State;
+    static void ask(const std::shared_ptr<State>& state, std::size_t places);
     const std::shared_ptr<State> m_state;
 };
 

@@ -72,14 +72,14 @@ bool LinuxFileSystem::renamesSafely(int folder) const {
     return !std::binary_search(devices.begin(), devices.end(), seen->device);
 }
 
-bool keepsAccessTimes(const std::string& path) {
+std::optional<bool> keepsAccessTimes(const std::string& path) {
     // Where a link leads is another place; what has gone since it was listed lay in its folder.
     Descriptor place(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!place.isOpen())
         place = Descriptor(::open(folderOf(path).c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct statvfs volume {};
-    return place.isOpen() && ::fstatvfs(place.get(), &volume) == 0 &&
-           (volume.f_flag & (ST_NOATIME | ST_RDONLY)) == 0;
+    if (!place.isOpen() || ::fstatvfs(place.get(), &volume) != 0) return std::nullopt;
+    return (volume.f_flag & (ST_NOATIME | ST_RDONLY)) == 0;
 }
 
 SysResult<std::vector<MountPoint>> LinuxFileSystem::mountPoints() const {

@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -131,7 +132,7 @@ void LargestFilesDesk::refresh() {
         return;
     }
     m_model.refresh();
-    m_counted = 0;
+    countAnew();
     m_timer.start();
 }
 
@@ -166,7 +167,7 @@ void LargestFilesDesk::takeTurn() {
             if (m_building->step(nodesAtOnce)) return showList();
         return;
     }
-    if (m_list != nullptr && m_list->isCurrent() && !countTicked(clock)) return;
+    if (mayCount() && !countTicked(clock, listTurnMilliseconds)) return;
     m_timer.stop();
 }
 
@@ -180,7 +181,7 @@ void LargestFilesDesk::showList() {
         m_view.filesList->scrollToTop();
     }
     m_isAnew = false;
-    m_counted = 0;
+    countAnew();
     showNote();
     Q_EMIT changed();
     // The rows that are laid out may be a million, and somebody may be scrolling through them.
@@ -189,7 +190,7 @@ void LargestFilesDesk::showList() {
 }
 
 // True at the end. Rows that come into order meanwhile change their places.
-bool LargestFilesDesk::countTicked(const QElapsedTimer& clock) {
+bool LargestFilesDesk::countTicked(const QElapsedTimer& clock, qint64 milliseconds) {
     if (m_counted == 0 || m_ordered != m_list->orderedCount()) {
         m_counted = 0;
         m_countedTicked = m_countedBytes = 0;
@@ -197,7 +198,7 @@ bool LargestFilesDesk::countTicked(const QElapsedTimer& clock) {
     }
     const auto rows = m_list->rows();
     while (m_counted < rows.size()) {
-        if (clock.elapsed() >= listTurnMilliseconds) return false;
+        if (clock.elapsed() >= milliseconds) return false;
         for (std::size_t left = nodesAtOnce; left > 0 && m_counted < rows.size(); --left) {
             const FileNode& node = *rows[m_counted++].node;
             if (standingState(node) != FileNode::Selected) continue;
@@ -207,9 +208,30 @@ bool LargestFilesDesk::countTicked(const QElapsedTimer& clock) {
     }
     m_ticked = m_countedTicked;
     m_tickedBytes = m_countedBytes;
+    m_isCounted = true;
     showHeaderBox();
     Q_EMIT changed();
     return true;
+}
+
+void LargestFilesDesk::countAnew() {
+    m_counted = 0;
+    m_isCounted = false;
+}
+
+bool LargestFilesDesk::mayCount() const {
+    return m_list != nullptr && m_building == nullptr && m_list->isCurrent();
+}
+
+std::optional<std::uint64_t> LargestFilesDesk::tickedBytes() const {
+    return m_isCounted && mayCount() ? std::optional(m_tickedBytes) : std::nullopt;
+}
+
+void LargestFilesDesk::finishCounting() {
+    if (m_isCounted || !mayCount()) return;
+    QElapsedTimer clock;
+    clock.start();
+    static_cast<void>(countTicked(clock, std::numeric_limits<qint64>::max()));
 }
 
 void LargestFilesDesk::showHeaderBox() {

@@ -50,6 +50,7 @@ QString withOtherNames(const QString& text, const FileNode& node, const char* be
 
 QString dayText(std::int64_t second) {
     if (second == FileNode::before1970) return LargestFilesModel::tr("before 1970");
+    if (second == FileNode::from2106) return LargestFilesModel::tr("2106 or later");
     return QLocale().toString(QDateTime::fromSecsSinceEpoch(second).date(), QLocale::LongFormat);
 }
 

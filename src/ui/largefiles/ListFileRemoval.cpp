@@ -22,6 +22,9 @@ namespace {
 // The question has slid away before the next window comes.
 constexpr std::chrono::milliseconds beforeRemoval{500};
 
+// Nodes below folders that are looked at before the question, in some milliseconds.
+constexpr std::size_t linkedLooks = 100'000;
+
 QString tickedSize(std::uint64_t bytes) {
     return shownSize(PublicUtilities::byteToSizeWithByte(bytes));
 }
@@ -65,6 +68,7 @@ void ListFileViewController::deleteFiles() {
 QStringList ListFileViewController::consequences() const {
     const TickedTotals ticked = Controller::getController().ticked();
     QStringList lines{goingWords(ticked).arg(tickedSize(ticked.bytes))};
+    m_files->finishCounting();
     const std::uint64_t elsewhere = tickedElsewhere(ticked.bytes);
     if (elsewhere != 0)
         lines << tr("%1 of it is not in the list that you see.").arg(tickedSize(elsewhere));
@@ -75,6 +79,10 @@ QStringList ListFileViewController::consequences() const {
         lines << tr(
             "%Ln of the files have other names, and free nothing while one of them is left.",
             nullptr, linked);
+    if (Controller::getController().mayHoldLinked(linkedLooks))
+        lines << tr(
+            "What lies in folders and has other names elsewhere frees nothing while one of "
+            "them is left.");
     return lines;
 }
 

@@ -304,11 +304,11 @@ QString ListFileViewController::tickedText() const {
         .arg(all, sizeOf(ticked), sizeOf(elsewhere));
 }
 
-// Bytes of so many that are ticked, but in no row of the list of files; none while the tree is
-// seen, whose rows may be closed.
+// Bytes of so many that are ticked, but in no row of the list of files; none while these are
+// counted, and while the tree is seen, whose rows may be closed.
 std::uint64_t ListFileViewController::tickedElsewhere(std::uint64_t ticked) const {
     if (!isListShown() || m_files->list() == nullptr) return 0;
-    return ticked - std::min(ticked, m_files->tickedBytes());
+    return ticked - std::min(ticked, m_files->tickedBytes().value_or(ticked));
 }
 
 void ListFileViewController::showQuietLine() {
