@@ -13,8 +13,7 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
 
 # Who builds all of it once compiles eight sources of a library or test program as one, which is half of the work; who builds
 # it again and again is better off without. The sources of one such group share the names that are in no header: tests/tools/
-# check_groups.py finds those given twice before a group does. A local name may be that of a neighbour outside: what it hides in its own
-# source is told where each is compiled by itself.
+# check_groups.py finds those given twice before a group does.
 option(ORRINVALE_GROUPS "Compile the sources of libraries and test programs in groups" OFF)
 
 target_include_directories(orrinvale_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
@@ -23,8 +22,13 @@ target_compile_definitions(orrinvale_options INTERFACE
   $<$<NOT:$<CONFIG:Debug>>:_GLIBCXX_ASSERTIONS>
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
   QT_NO_CONTEXTLESS_CONNECT QT_NO_FOREACH QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
+# In a group a local name may be a file-wide one of a neighbour. What it hides in its own source is told by the other kind of build.
+set(shadow -Wshadow)
+if(ORRINVALE_GROUPS)
+  set(shadow $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
+endif()
 target_compile_options(orrinvale_options INTERFACE
-  -Wall -Wextra -Wpedantic $<$<NOT:$<BOOL:${ORRINVALE_GROUPS}>>:-Wshadow> -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wall -Wextra -Wpedantic ${shadow} -Wconversion -Wsign-conversion -Wold-style-cast
   -Wnon-virtual-dtor
   -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wextra-semi -Wundef -Werror
   -fstack-protector-strong -fno-plt)

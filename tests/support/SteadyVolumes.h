@@ -4,6 +4,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -50,6 +51,45 @@ public:
     std::mutex walk;  ///< held while somebody walks
     std::atomic<int> walks{0};
     std::function<void()> onEjection;  ///< on the ejection's thread, before it ends
+};
+
+/// Volumes of which each answer stands by itself.
+class LockedVolumes final : public ForwardingVolumes {
+public:
+    explicit LockedVolumes(std::vector<FakeVolumes::Volume> standing) : ForwardingVolumes(m_fake) {
+        m_fake.volumes = std::move(standing);
+    }
+
+    std::int32_t FSGetVolumeInfo(std::uint32_t volumeIndex, IndexedVolume& answer) override {
+        const std::lock_guard lock(m_mutex);
+        return ForwardingVolumes::FSGetVolumeInfo(volumeIndex, answer);
+    }
+    std::int32_t FSGetVolumeParms(std::int16_t refNumber, GetVolParmsInfoBuffer& buffer) override {
+        const std::lock_guard lock(m_mutex);
+        return ForwardingVolumes::FSGetVolumeParms(refNumber, buffer);
+    }
+    std::int32_t FSEjectVolumeSync(std::int16_t refNumber, std::uint32_t options,
+                                   EjectDissent& dissent) override {
+        const std::lock_guard lock(m_mutex);
+        return ForwardingVolumes::FSEjectVolumeSync(refNumber, options, dissent);
+    }
+    [[nodiscard]] std::optional<RegistryMatching> IOBSDNameMatching(
+        const char* bsdName) const override {
+        const std::lock_guard lock(m_mutex);
+        return ForwardingVolumes::IOBSDNameMatching(bsdName);
+    }
+    template <class Work> auto with(Work work) {
+        const std::lock_guard lock(m_mutex);
+        return work(m_fake);
+    }
+    /// Asked for, in order.
+    [[nodiscard]] std::vector<std::int16_t> ejected() {
+        return with([](const FakeVolumes& fake) { return fake.ejectedNumbers; });
+    }
+
+private:
+    FakeVolumes m_fake;
+    mutable std::mutex m_mutex;
 };
 
 /// Has a mebibyte more free at each reading.

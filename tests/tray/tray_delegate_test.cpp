@@ -31,7 +31,9 @@ MenuItemView* rowOf(const Launched& on, const char* number) {
 
 TEST(TrayOfTheProgram, AnEjectionThatFailsNamesTheHolder) {
     Launched on(systemAndStick(), nullptr);
-    on.volumes.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
+    on.volumes.with([](FakeVolumes& fake) {
+        fake.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
+    });
     on.delegate->applicationDidFinishLaunching();
     ASSERT_SOON(rowOf(on, "7") != nullptr);
     on.dialogs.willAnswer(0);
@@ -75,13 +77,13 @@ TEST(TrayOfTheProgram, ARowUnderEjectionStaysSoInAMenuThatIsMadeAnew) {
     ASSERT_SOON(rowOf(on, "7") != nullptr);
     const int before = on.mainQueue.answers;
     rowOf(on, "7")->backDisk();
-    ASSERT_SOON(on.mainQueue.answers > before && !on.volumes.ejectedNumbers.empty());
+    ASSERT_SOON(on.mainQueue.answers > before && !on.volumes.ejected().empty());
     on.delegate->tray()->refMenuItemWhenDeleteAndAdd();
     EXPECT_TRUE(rowOf(on, "7")->isEjecting()) << "of the last look, which still saw it";
     rowOf(on, "7")->backDisk();
     on.ejections.eject({7, "/media/stick"}, "Stick", on.delegate.get(), [](bool) {});
     EXPECT_SOON(!rowOf(on, "7")->isEjecting()) << "it stands all the same";
-    EXPECT_EQ(on.volumes.ejectedNumbers.size(), 1U) << "whoever asks";
+    EXPECT_EQ(on.volumes.ejected().size(), 1U) << "whoever asks";
 }
 
 TEST(TrayOfTheProgram, OnlyATrayThatIsKnownToShowItIsCountedOn) {

@@ -1,5 +1,6 @@
 // The two halves of a Fast Clean: what is measured, what goes, and the notices of both in order.
 
+#include <atomic>
 #include <cstdio>
 #include <future>
 
@@ -76,7 +77,7 @@ struct Journey {
     Lines told;
     const std::string root = home.tree.path();
     std::vector<std::string> folders{home.tree.at(".cache"), home.tree.at(".var/app/x/cache")};
-    std::uint64_t free = 1000;
+    std::atomic<std::uint64_t> free{1000};
     std::unique_ptr<BrowseFolderOperation> browse;
     std::unique_ptr<DeleteFolderOperation> removal;
 };

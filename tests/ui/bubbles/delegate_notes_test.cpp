@@ -35,12 +35,12 @@ TEST(DelegateNotes, TheBootVolumeGivesTheDiscAndTheWarning) {
     for (const auto& each : cases) {
         SCOPED_TRACE(each.what);
         on.defaults.setFloat(each.alarm, ZvSpaceAlarmKey);
-        on.volumes.volumes.front().volume.info = each.info;
+        on.volumes.with([&](FakeVolumes& fake) { fake.volumes.front().volume.info = each.info; });
         EXPECT_EQ(on.delegate->getStatusImage().name().toStdString(), each.picture);
         on.delegate->noteHomeDisk(*on.delegate->getBootVolume());
         EXPECT_EQ(on.delegate->getWarningValue(), each.warns);
     }
-    on.volumes.volumes.erase(on.volumes.volumes.begin());
+    on.volumes.with([](FakeVolumes& fake) { fake.volumes.erase(fake.volumes.begin()); });
     EXPECT_TRUE(on.delegate->getStatusImage().isNull()) << "no boot volume";
     EXPECT_FALSE(HomeDisk{}.getWarningValue()) << "not seen yet";
     ZvVolumeInfo empty;

@@ -2,6 +2,7 @@
 #include "ui/fastclean/FastClean.h"
 
 #include <QLabel>
+#include <atomic>
 #include <condition_variable>
 
 #include "engine/base/UtilityObject.h"
@@ -102,7 +103,7 @@ struct Desk : NamedControls {
     Gate reading;    ///< before a folder is read
     Gate removing;   ///< before an entry is unlinked
     Gate measuring;  ///< before the free space is told
-    std::uint64_t free = 0;
+    std::atomic<std::uint64_t> free{0};
     int changes = 0, menuCalls = 0;
     std::unique_ptr<FastClean> clean;
 };

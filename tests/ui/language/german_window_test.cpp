@@ -133,8 +133,10 @@ TEST_F(GermanWindow, TheLargeFilePage) {
 TEST_F(GermanWindow, WhatTheProgramTells) {
     Launched on;
     on.canOpen = false;
-    on.volumes.ejections[7] = {fBsyErr,
-                               {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
+    on.volumes.with([](FakeVolumes& fake) {
+        fake.ejections[7] = {fBsyErr,
+                             {"The volume is in use", {{42, "vlc", "/media/stick/a.mp4"}}}};
+    });
     on.delegate->applicationDidFinishLaunching();
     for (int alert = 0; alert < 4; ++alert) on.dialogs.willAnswer(0);
     on.delegate->openAboutWindow();

@@ -27,15 +27,18 @@ namespace {
 TEST(AppDelegate, TheWindowStandsBeforeAnyVolumeIsLookedAt) {
     Launched on;
     EXPECT_TRUE(on.isVisible());
-    EXPECT_TRUE(on.volumes.askedIndexes.empty());
+    const auto isAsked = [&] {
+        return on.volumes.with([](const FakeVolumes& fake) { return !fake.askedIndexes.empty(); });
+    };
+    EXPECT_FALSE(isAsked());
     on.defaults.setInteger(5, ZvLastClickRow);
     on.delegate->applicationDidFinishLaunching();
-    EXPECT_FALSE(on.volumes.askedIndexes.empty());
+    EXPECT_TRUE(isAsked());
     EXPECT_EQ(on.defaults.integerForKey(ZvLastClickRow), 0);
     EXPECT_EQ(on.posted, (Strings{"shouldSelectRow", "shouldSelectRow"})) << "not started at login";
     ASSERT_NE(on.delegate->getBootVolume(), nullptr);
     EXPECT_EQ(on.delegate->getBootVolume()->volumeName, "System");
-    on.volumes.volumes.erase(on.volumes.volumes.begin());
+    on.volumes.with([](FakeVolumes& fake) { fake.volumes.erase(fake.volumes.begin()); });
     EXPECT_EQ(on.delegate->getBootVolume(), nullptr);
 }
 
@@ -154,14 +157,16 @@ TEST(AppDelegate, EjectAllTellsWhatStayed) {
     EXPECT_FALSE(on.entry("Reference")->isEnabled());
     EXPECT_FALSE(on.entry("checkUpdate")->isEnabled());
     EXPECT_SOON(on.entry("ejectAll")->isEnabled());
-    on.volumes.volumes.push_back(FakeVolumes::volume(8, "Disc", "/media/disc", true));
-    on.volumes.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
+    on.volumes.with([](FakeVolumes& fake) {
+        fake.volumes.push_back(FakeVolumes::volume(8, "Disc", "/media/disc", true));
+        fake.ejections[7] = {fBsyErr, {"it is busy", {{4242, "vlc", "/media/stick/film.mkv"}}}};
+    });
     on.closeWindow();
     on.dialogs.willAnswer(0);
     on.entry("ejectAll")->trigger();
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled()) << "one at a time";
     ASSERT_SOON(on.dialogs.alerts().size() == 1);
-    EXPECT_EQ(on.volumes.ejectedNumbers, (std::vector<std::int16_t>{7, 8}));
+    EXPECT_EQ(on.volumes.ejected(), (std::vector<std::int16_t>{7, 8}));
     EXPECT_SOON(on.entry("ejectAll")->isEnabled()) << "to be tried again";
     const QString text = on.dialogs.alerts()[0].text;
     EXPECT_TRUE(text.contains(QLatin1String("Stick")) && text.contains(QLatin1String("vlc")))
@@ -176,7 +181,7 @@ TEST(AppDelegate, EjectingFromOutsideAsksFirst) {
         on.delegate->perform({StartRequest::Kind::Action, "eject-all", ""});
         QTest::qWait(20);
         EXPECT_EQ(on.dialogs.alerts().back().title, QStringLiteral("Eject all volumes?"));
-        EXPECT_SOON(on.volumes.ejectedNumbers.size() == (button == 0 ? 1U : 0U));
+        EXPECT_SOON(on.volumes.ejected().size() == (button == 0 ? 1U : 0U));
     }
     EXPECT_SOON(!on.ejections.isEjectingAll());
 }
@@ -187,7 +192,7 @@ TEST(AppDelegate, NothingToEjectIsNoFailure) {
     ASSERT_SOON(on.delegate->tray()->menu().menu() != nullptr);
     on.delegate->rejestAllDisk();
     ASSERT_SOON(!on.ejections.isEjectingAll());
-    EXPECT_TRUE(on.volumes.ejectedNumbers.empty());
+    EXPECT_TRUE(on.volumes.ejected().empty());
     EXPECT_TRUE(on.dialogs.alerts().empty());
     EXPECT_FALSE(on.entry("ejectAll")->isEnabled());
 }

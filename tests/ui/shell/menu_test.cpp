@@ -108,8 +108,8 @@ struct Menu : Launched {
             return delegate->handleCloseCleanWindow(), "fast clean";
         if (dialogs.alerts().size() > m_alerts) return m_alerts = dialogs.alerts().size(), "words";
         if (!ends.empty()) return "quit";
-        if (volumes.ejectedNumbers.size() > m_ejected)
-            return m_ejected = volumes.ejectedNumbers.size(), "eject";
+        if (volumes.ejected().size() > m_ejected)
+            return m_ejected = volumes.ejected().size(), "eject";
         if (std::exchange(guides, 0) > 0) return "guide";
         return shownPage();
     }

@@ -73,7 +73,8 @@ private:
 struct Launched {
     explicit Launched(std::vector<FakeVolumes::Volume> standing = systemAndStick(),
                       std::optional<TrayHost*> tray = std::nullopt,
-                      const UpdateParts* updates = nullptr) {
+                      const UpdateParts* updates = nullptr)
+        : volumes(std::move(standing)) {
         QnAuthorization::shareQnAuthorization().setParts(
             {&authorization, &files, &permissions, {}});
         UserDefaults::setStandardUserDefaults(&defaults);
@@ -82,7 +83,6 @@ struct Launched {
              {"refMenuItemWhenDeleteAndAdd", "updateSizeView", "shouldSelectRow"})
             observations.push_back(notifications.addObserver(
                 name, [this](const Notification& each) { posted.push_back(each.name); }));
-        volumes.volumes = std::move(standing);
         delegate = std::make_unique<AppDelegate>(AppDelegateParts{
             .pages = pages(),
             .clean = {.files = &files,
@@ -154,7 +154,7 @@ struct Launched {
     RecordedDialogs dialogs;
     CountingQueue mainQueue;
     FileIcons icons;
-    FakeVolumes volumes;
+    LockedVolumes volumes;
     std::shared_ptr<const FolderUtilities> utilities = makeFolderUtilities(files, folders, volumes);
     FakeMountChanges mounts;
     CountedMemory memory;
