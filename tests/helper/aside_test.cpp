@@ -21,6 +21,20 @@ std::size_t asideBelow(const std::string& folder) {
     return count;
 }
 
+// Whoever ends the helper ends its tool, but not in the middle of a call.
+bool isLeftAlone(const std::string& folder) {
+    for (int tries = 0; tries < 5000; ++tries, ::usleep(1000)) {
+        bool isAlone = true;
+        for (const auto& process : std::filesystem::directory_iterator("/proc")) {
+            std::error_code none;
+            const auto place = std::filesystem::read_symlink(process.path() / "cwd", none);
+            isAlone = isAlone && !place.string().starts_with(folder);
+        }
+        if (isAlone) return true;
+    }
+    return false;
+}
+
 HelperRequest requestFor(const std::string& goes, const std::string& stays) {
     HelperRequest request = HelperRun::requestFor(goes);
     if (!stays.empty()) request.stays = HelperRun::requestFor(stays).entry;
@@ -150,7 +164,7 @@ TEST(HelperSetsAside, AndTheNextStartBringsBackWhatAKilledOneLeft) {
                 ::usleep(static_cast<unsigned>(round) * 150);
                 ::kill(helper.process(), SIGKILL);
                 if (!helper.endsWithin(milliseconds(2000)) ||
-                    !isGoneWithin(worker, milliseconds(5000)))
+                    !isGoneWithin(worker, milliseconds(5000)) || !isLeftAlone(tree.path()))
                     return "alive";
             }
             const bool wasAside = asideBelow(tree.path()) > 0;

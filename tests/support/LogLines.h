@@ -22,6 +22,12 @@ public:
     LogLines(const LogLines&) = delete;
     LogLines& operator=(const LogLines&) = delete;
 
+    /// Takes no more, so that what other threads write does not matter, and tells what it has.
+    std::vector<std::string> stop() {
+        Log::setSink({});
+        return lines;
+    }
+
     std::vector<std::string> lines;
 
 private:

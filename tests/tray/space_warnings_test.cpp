@@ -101,10 +101,12 @@ TEST(SpaceWarnings, AWordThatNobodyShowedIsSaidByTheNextStart) {
     desk.setFree(3);
     auto warnings = desk.start();
     EXPECT_SOON(desk.notes.size() == 1);
-    const LogLines log;
+    LogLines log;
     desk.ifNobodyShowsIt();
-    ASSERT_EQ(log.lines.size(), 1U);
-    EXPECT_THAT(log.lines[0], HasSubstr("/: 30.00 MB of 1.00 GB are free"));
+    Strings lines = log.stop();
+    std::erase_if(lines, [](const auto& line) { return line.find("are free") == line.npos; });
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_THAT(lines[0], HasSubstr("/: 30.00 MB of 1.00 GB are free"));
     desk.look();
     EXPECT_EQ(desk.notes.size(), 1U) << "not by this one";
     warnings = desk.start();

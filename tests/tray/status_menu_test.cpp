@@ -12,6 +12,7 @@
 #include "engine/settings/SettingsKeys.h"
 #include "engine/settings/UserDefaults.h"
 #include "support/SteadyVolumes.h"
+#include "support/isSanitized.h"
 #include "support/test.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/tray/CustomGreyBarView.h"
@@ -350,7 +351,8 @@ TEST(StatusMenu, ARefreshOf200VolumesTakesNoTurnOfTheEventLoop) {
     took.erase(took.begin());  // that one builds
     std::ranges::nth_element(took, took.begin() + 10);
     RecordProperty("milliseconds", std::to_string(took[10]));
-    EXPECT_LT(took[10], 10) << "milliseconds of processor time, the median of twenty";
+    EXPECT_LT(took[10], isSanitized() ? 60 : 10)
+        << "milliseconds of processor time, the median of twenty";
 }
 
 // From the click to all rows drawn.

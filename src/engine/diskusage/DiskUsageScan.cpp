@@ -190,6 +190,8 @@ void DiskUsageScan::Scan::walkAgain(UsageErrand errand, const std::vector<FSNode
         const bool isRoot = folder->father() == nullptr;
         const UsageResult found =
             walk.run(folder, folder->path(), isRoot ? Links::Follow : Links::Keep);
+        // A stop may come before the first entry was looked at.
+        if (m_counts->stop && found.contents.childCount == 0 && !found.isGone) return;
         const std::lock_guard lock(m_mutex);
         m_waiting.finished.push_back({folder, found, !found.isGone});
         ask(false);

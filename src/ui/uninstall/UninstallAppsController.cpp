@@ -12,6 +12,7 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <chrono>
+#include <mutex>
 #include <utility>
 
 #include "engine/base/Log.h"
@@ -56,6 +57,14 @@ std::string nameKey(const std::string& name) {
 
 }  // namespace
 
+// The inventory's thread has it too, and may outlast the page.
+struct UninstallAppsController::News {
+    explicit News(UninstallAppsController& of) : page(&of) {}
+    std::mutex mutex;
+    UninstallAppsController* page;  // null once it is gone
+    AppItemsArray soFar;
+};
+
 UninstallAppsController::UninstallAppsController(PageServices services, UninstallPageParts parts)
     : m_services(std::move(services)),
       m_parts(std::move(parts)),
@@ -69,6 +78,7 @@ UninstallAppsController::UninstallAppsController(PageServices services, Uninstal
                       .clickBox = [this](AppItems& item) { boxClicked(item); },
                       .mayTick = [this] { return mayTick(); }})),
       m_controls(stateTable()),
+      m_news(std::make_shared<News>(*this)),
       m_sortColumn(UninstallAppsModel::Name) {
     m_views->tableView->setModel(m_model.get());
     m_changeTimer.setInterval(changePause);
@@ -77,12 +87,18 @@ UninstallAppsController::UninstallAppsController(PageServices services, Uninstal
     m_list.sortBy(UninstallList::Sort::Name, false);
     m_views->tableView->header()->setSortIndicator(m_sortColumn, Qt::AscendingOrder);
     m_views->tableView->header()->setSortIndicatorShown(true);
+    connect(this, &UninstallAppsController::newsCame, this,
+            &UninstallAppsController::showFoundSoFar, Qt::QueuedConnection);
     connectControls();
     connectKeys();
     enter(State::NotSearched);
 }
 
 UninstallAppsController::~UninstallAppsController() {
+    {
+        const std::lock_guard lock(m_news->mutex);
+        m_news->page = nullptr;
+    }
     if (m_hasBegun) hasSearched() = false;
     giveUp();
     delete m_alert.data();
@@ -204,18 +220,15 @@ void UninstallAppsController::search() {
     enter(m_isScaned ? State::ListingAnew : State::Searching);
     m_twSearchApplications = runAside(
         this, "searchApplications",
-        [parts = m_parts, self = QPointer(this), isFirst = !m_isScaned] {
+        [parts = m_parts, news = m_news, isFirst = !m_isScaned] {
             // The stamp first: what changes meanwhile is then seen as a change.
             Found found{{}, parts.stamp ? parts.stamp() : std::string()};
             // A list that stands is not replaced piece by piece.
             found.applications = parts.inventory([&](const AppItemsArray& soFar) {
-                if (!isFirst) return;
-                QMetaObject::invokeMethod(
-                    QCoreApplication::instance(),
-                    [self, soFar] {
-                        if (self != nullptr) self->showFoundSoFar(soFar);
-                    },
-                    Qt::QueuedConnection);
+                const std::lock_guard lock(news->mutex);
+                if (!isFirst || news->page == nullptr) return;
+                news->soFar = soFar;
+                Q_EMIT news->page->newsCame({});
             });
             return found;
         },
@@ -225,7 +238,12 @@ void UninstallAppsController::search() {
 }
 
 // News may come behind the whole.
-void UninstallAppsController::showFoundSoFar(const AppItemsArray& soFar) {
+void UninstallAppsController::showFoundSoFar() {
+    AppItemsArray soFar;
+    {
+        const std::lock_guard lock(m_news->mutex);
+        soFar = m_news->soFar;
+    }
     if (m_state != State::Searching || soFar.size() == m_list.searchAllAppArr().size()) return;
     m_list.setFound(soFar);
     showLeftRows();

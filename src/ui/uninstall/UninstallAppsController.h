@@ -92,6 +92,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Other records are shown, or in another order.
     void allApplicationsChanged();
+    /// From the inventory's thread: it has found more.
+    void newsCame(QPrivateSignal);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -117,7 +119,7 @@ private:
     void connectControls();
     void connectKeys();
     void search();
-    void showFoundSoFar(const AppItemsArray& soFar);
+    void showFoundSoFar();
     void searchAppsFinished(const FoundApplications& found, const std::string& stamp);
     void showUnread();
     void lookForChanges();
@@ -175,6 +177,8 @@ private:
     bool m_isScaned = false;
     bool m_searchFinished = false;
     bool m_hasBegun = false;  // the search of this process is this page's
+    struct News;
+    const std::shared_ptr<News> m_news;
     std::shared_ptr<ThreadWorker> m_twSearchApplications;
     QPointer<Sheet> m_listWindow;
     QPointer<Sheet> m_alert;
