@@ -9,8 +9,9 @@
 
 #include <cstdarg>
 
-// The system's own signature.
-extern "C" int clone(int (*child)(void*), void* stack, int flags, void* argument, ...) {
+// The system's own signature. Weak, since each library of a program brings it.
+extern "C" __attribute__((weak)) int clone(int (*child)(void*), void* stack, int flags,
+                                           void* argument, ...) {
     std::va_list more;
     va_start(more, argument);
     auto* const parentTid = va_arg(more, pid_t*);
