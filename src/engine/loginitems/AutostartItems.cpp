@@ -99,6 +99,7 @@ std::vector<LoginItemRecord> AutostartItems::list(std::int32_t& status) const {
     if (status != 0) return {};
     for (const std::string& folder : m_folders.systems) static_cast<void>(namesIn(folder, systems));
     std::vector<LoginItemRecord> records;
+    records.reserve(persons.size() + systems.size());
     for (const std::string& name : persons) records.push_back(recordOf(name, true));
     // Places in the list are those of the items, and of the rest behind them.
     std::stable_partition(records.begin(), records.end(), isItem);

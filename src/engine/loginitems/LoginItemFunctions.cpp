@@ -25,6 +25,11 @@ void require(bool isSo, const char* condition) {
 
 }  // namespace
 
+LoginItems& LoginItemParts::list() const {
+    require(items != nullptr, "items != NULL");
+    return *items;
+}
+
 std::string loginItemURL(const std::string& path) {
     std::string url = fileUrlOf(path);
     return url.insert(scheme.size(), host);
@@ -41,7 +46,7 @@ std::int32_t LIAECopyLoginItems(const LoginItemParts& parts,
     require(itemsPtr != nullptr, "itemsPtr != NULL");
     require(!itemsPtr->has_value(), "*itemsPtr == NULL");
     std::int32_t status = 0;
-    const auto records = itemsAmong(parts.items->list(status));
+    const auto records = itemsAmong(parts.list().list(status));
     if (status != 0) return status;
     LoginItemArray& items = itemsPtr->emplace();
     for (const LoginItemRecord& each : records)
@@ -52,7 +57,7 @@ std::int32_t LIAECopyLoginItems(const LoginItemParts& parts,
 
 std::int32_t LIAEAddRefAtEnd(const LoginItemParts& parts, const std::string& item, bool hideIt) {
     require(!item.empty(), "item != NULL");
-    return parts.items->add(item, hideIt);
+    return parts.list().add(item, hideIt);
 }
 
 std::int32_t LIAEAddURLAtEnd(const LoginItemParts& parts, const std::string& item, bool hideIt) {
@@ -66,7 +71,7 @@ std::int32_t LIAEAddURLAtEnd(const LoginItemParts& parts, const std::string& ite
 std::int32_t LIAERemove(const LoginItemParts& parts, std::int32_t itemIndex) {
     require(itemIndex >= 0, "itemIndex >= 0");
     std::int32_t status = 0;
-    const auto items = itemsAmong(parts.items->list(status));
+    const auto items = itemsAmong(parts.list().list(status));
     if (status != 0) return status;
     if (static_cast<std::size_t>(itemIndex) >= items.size()) return errNoSuchItem;
     const std::string reason = parts.remove(items[static_cast<std::size_t>(itemIndex)]);

@@ -23,6 +23,7 @@ using LoginItemArray = std::vector<LoginItem>;
 /// What the functions work on; outlives their use.
 struct LoginItemParts {
     LoginItems* items = nullptr;
+    [[nodiscard]] LoginItems& list() const;  ///< the items, which have to be there
     /// Takes the entry of a record away, and says why it stays; empty when it went.
     std::function<std::string(const LoginItemRecord&)> remove;
     std::function<void()> waitOneSecond;  ///< between tries while the list is busy

@@ -29,7 +29,7 @@ std::string readeFileOfLaunchAppWhenLogin() {
 bool launchAtLogin(int state) {
     // A failure is logged there, and the value holds in this process.
     static_cast<void>(writeFileOfLaunchAppWhenLogin(fmt::format("{}", state)));
-    const std::string own = LoginItemRegistry::parts().items->folders().ownProgram;
+    const std::string own = LoginItemRegistry::parts().list().folders().ownProgram;
     bool isDone = true;
     if (const auto index = LoginItemRegistry::indexForLoginItemWithPath(own); index != -1)
         isDone = LoginItemRegistry::removeLoginItemAtIndex(index);
@@ -40,7 +40,7 @@ bool launchAtLogin(int state) {
 }
 
 bool startsAtLogin() {
-    const LoginItems& items = *LoginItemRegistry::parts().items;
+    const LoginItems& items = LoginItemRegistry::parts().list();
     std::int32_t status = 0;
     const auto all = items.list(status);
     return std::ranges::any_of(all, [&items](const LoginItemRecord& each) {
@@ -49,7 +49,7 @@ bool startsAtLogin() {
 }
 
 void startHiddenAsSet() {
-    LoginItems& items = *LoginItemRegistry::parts().items;
+    LoginItems& items = LoginItemRegistry::parts().list();
     std::int32_t status = 0;
     for (const LoginItemRecord& each : items.list(status))
         if (each.isPersons && each.isOurs && each.path == items.folders().ownProgram)

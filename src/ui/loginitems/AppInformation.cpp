@@ -14,7 +14,7 @@ bool AppInformation::getAppInfo(LoginRows* appsInfo) {
     // The registry waits for a list that is busy, and tells why there is none.
     if (!LoginItemRegistry::allLoginItems()) return false;
     std::int32_t status = 0;
-    for (LoginItemRecord& each : LoginItemRegistry::parts().items->list(status)) {
+    for (LoginItemRecord& each : LoginItemRegistry::parts().list().list(status)) {
         auto row = std::make_unique<LoginRow>();
         row->item = std::move(each);
         appsInfo->push_back(std::move(row));

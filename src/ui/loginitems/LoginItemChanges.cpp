@@ -26,7 +26,7 @@
 namespace orrinvale {
 namespace {
 
-LoginItems& items() { return *LoginItemRegistry::parts().items; }
+LoginItems& items() { return LoginItemRegistry::parts().list(); }
 
 std::string reasonOf(const Result<void>& done) {
     return done ? std::string() : done.error().reason();

@@ -33,7 +33,7 @@ constexpr int readPatience = 300;
 
 // Of a folder that is not there yet the one in which it will be. Reads disks.
 std::vector<std::string> watchedFolders() {
-    const LoginItemFolders& folders = LoginItemRegistry::parts().items->folders();
+    const LoginItemFolders& folders = LoginItemRegistry::parts().list().folders();
     std::vector<std::string> wanted = folders.systems;
     wanted.push_back(folders.persons);
     const auto isThere = [](const std::string& path) {
@@ -276,7 +276,7 @@ const LoginRow* LoginItemController::chosen() const {
 }
 
 bool LoginItemController::isOwn(const LoginItemRecord& item) const {
-    return item.isOurs && item.path == LoginItemRegistry::parts().items->folders().ownProgram;
+    return item.isOurs && item.path == LoginItemRegistry::parts().list().folders().ownProgram;
 }
 
 PageDescriptor loginItemsPage(const PageServices& services, const LoginItemSources& sources) {

@@ -62,7 +62,7 @@ void ShareGivers::drop(Way way, const Kind& kind) {
     if (found != m_givers.end() && !found->second.empty()) found->second.pop_back();
 }
 
-void ShareGivers::add(const Kind& kind, KeptCopy giver) {
+void ShareGivers::add(const Kind& kind, const KeptCopy& giver) {
     for (const Way way : {Way::Extents, Way::Link}) m_givers[keyOf(way, kind)].push_back(giver);
 }
 

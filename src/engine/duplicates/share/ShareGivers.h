@@ -52,7 +52,7 @@ public:
     [[nodiscard]] std::optional<KeptCopy> next(Way way, const Kind& kind) const;
     /// It was of no use, and will be of none to others of the kind.
     void drop(Way way, const Kind& kind);
-    void add(const Kind& kind, KeptCopy giver);
+    void add(const Kind& kind, const KeptCopy& giver);
 
     using FileKey = std::pair<std::uint64_t, std::uint64_t>;  // device and inode
     /// By our own doing, whatever name of the file gives its bytes.
