@@ -1,7 +1,11 @@
 // The list of largest files beside the tree, in the real window over real folders: its order, its
 // filters, and that a tick in one is a tick in the other.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QAbstractButton>
 #include <QHeaderView>
@@ -9,6 +13,8 @@
 #include <QTest>
 #include <atomic>
 
+#include "platform/accessTimes.h"
+#include "support/OwnMounts.h"
 #include "ui/kit/controls/SegmentedControl.h"
 #include "ui/kit/lists/RowDelegate.h"
 #include "ui/largefiles/FileNodeModel.h"
@@ -20,6 +26,35 @@ namespace {
 
 using testing::LargePage;
 
+/// A folder where nothing notes that a file is opened, for this thread and those that it starts:
+/// they have a table of mounts of their own for as long as this lives.
+class SilentFolder final {
+public:
+    explicit SilentFolder(const std::string& path) {
+        if (::geteuid() != 0 || m_before < 0 || m_here < 0 || !testing::unshareMounts()) return;
+        m_isOwn = true;
+        m_isThere = ::mount("ram", path.c_str(), "tmpfs", MS_NOATIME, "size=1m") == 0;
+    }
+    ~SilentFolder() {
+        // Threads that it started share its folder with it, and whoever shares that can not leave.
+        if (m_isOwn && (::unshare(CLONE_FS) != 0 || ::setns(m_before, CLONE_NEWNS) != 0 ||
+                        ::fchdir(m_here) != 0))
+            ADD_FAILURE() << "this thread stays among mounts of its own";
+        ::close(m_before);
+        ::close(m_here);
+    }
+    SilentFolder(const SilentFolder&) = delete;
+    SilentFolder& operator=(const SilentFolder&) = delete;
+
+    [[nodiscard]] bool isThere() const { return m_isThere; }
+
+private:
+    const int m_before = ::open("/proc/thread-self/ns/mnt", O_RDONLY | O_CLOEXEC);
+    const int m_here = ::open(".", O_PATH | O_CLOEXEC);
+    bool m_isOwn = false;
+    bool m_isThere = false;
+};
+
 class LargestList : public ::testing::Test {
 protected:
     LargestList() {
@@ -28,10 +63,12 @@ protected:
                     on.tree.sparse("f/photos/old.png", 600'000) &&
                     on.tree.sparse("f/Viewer.app/viewer", 700'000) &&
                     on.tree.write("f/notes.txt", std::string(1'500, 'n')));
-        const timespec times[]{{.tv_sec = 1'400'000'000, .tv_nsec = 0},
-                               {.tv_sec = 1'400'000'000, .tv_nsec = 0}};
-        EXPECT_EQ(::utimensat(AT_FDCWD, on.tree.at("f/photos/old.png").c_str(), times, 0), 0);
+        setTimes("f/photos/old.png", 1'400'000'000, 1'400'000'000);
         EXPECT_TRUE(on.scan(on.tree.at("f")));
+    }
+    void setTimes(const char* name, std::int64_t opened, std::int64_t written) {
+        const timespec times[]{{.tv_sec = opened, .tv_nsec = 0}, {.tv_sec = written, .tv_nsec = 0}};
+        EXPECT_EQ(::utimensat(AT_FDCWD, on.tree.at(name).c_str(), times, 0), 0);
     }
     QTreeView& files() { return on.control<QTreeView>("filesList"); }
     void show(int segment) {
@@ -85,6 +122,21 @@ protected:
         shown.close();
         return isThere;
     }
+    /// Of an entry of the menu of ages: "on", "off", or nothing where it is not there.
+    std::string age(const char* entry) {
+        on.click("ageBtn");
+        auto& shown = on.control<QMenu>("ageMenu");
+        std::string found;
+        for (const QAction* const action : shown.actions())
+            if (action->text() == QLatin1String(entry)) found = action->isEnabled() ? "on" : "off";
+        shown.close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return found;
+    }
+    bool becomes(const char* rows) {
+        return on.waitFor([&] { return list() == rows; });
+    }
+    void sort(int column) { Q_EMIT files().header()->sectionClicked(column); }
     bool says(const std::string& ticked) {
         return on.waitFor([&] { return on.textOf("tickedLabel") == ticked; });
     }
@@ -112,10 +164,6 @@ TEST_F(LargestList, ShowsTheFilesOfAllFoldersByWhatAPersonWishes) {
     QTest::keyClick(&files(), Qt::Key_Space);
     EXPECT_TRUE(says("5 files, 7.20 MB"));
 
-    const auto sort = [&](int column) { Q_EMIT files().header()->sectionClicked(column); };
-    const auto becomes = [&](const char* rows) {
-        return on.waitFor([&] { return list() == rows; });
-    };
     sort(LargestFilesModel::Name);
     EXPECT_TRUE(becomes(". lake.png . movie.mkv . notes.txt . old.png . Viewer.app "));
     sort(LargestFilesModel::Name);
@@ -131,6 +179,73 @@ TEST_F(LargestList, ShowsTheFilesOfAllFoldersByWhatAPersonWishes) {
     EXPECT_EQ(on.textOf("listNote"), "No such files");
     EXPECT_TRUE(pick("ageBtn", "ageMenu", "Any age") && pick("kindBtn", "kindMenu", "All kinds"));
     EXPECT_TRUE(comes(5));
+}
+
+// Size, writing and opening order the files differently.
+TEST_F(LargestList, TellsWhenFilesWereOpened) {
+    if (!keepsAccessTimes(on.tree.at("f")).value_or(false))
+        GTEST_SKIP() << "nothing notes here that a file is opened";
+    const std::int64_t now = ::time(nullptr);
+    constexpr std::int64_t day = 86'400;
+    setTimes("f/movie.mkv", now - 250 * day, 1'300'000'000);
+    setTimes("f/photos/new/lake.png", now - 60 * day, 1'320'000'000);
+    setTimes("f/notes.txt", now, 1'350'000'000);
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    show(1);
+    ASSERT_SOON(cell("notes.txt", LargestFilesModel::Opened) == "today");
+    EXPECT_EQ(cell("movie.mkv", LargestFilesModel::Opened), "8 months");
+    EXPECT_TRUE(cell("old.png", LargestFilesModel::Opened).ends_with(" years"));
+    EXPECT_TRUE(pick("ageBtn", "ageMenu", "Not changed for a year"));
+    EXPECT_TRUE(becomes(". movie.mkv . lake.png . old.png . notes.txt ")) << list();
+    sort(LargestFilesModel::Opened);
+    EXPECT_TRUE(becomes(". old.png . movie.mkv . lake.png . notes.txt ")) << list();
+    sort(LargestFilesModel::Opened);
+    EXPECT_TRUE(becomes(". notes.txt . lake.png . movie.mkv . old.png ")) << list();
+    sort(LargestFilesModel::Changed);
+    EXPECT_TRUE(becomes(". movie.mkv . lake.png . notes.txt . old.png ")) << list();
+    const std::pair<const char*, const char*> cases[] = {
+        {"Not opened for a month", ". movie.mkv . lake.png . old.png "},
+        {"Not opened for half a year", ". movie.mkv . old.png "},
+        {"Not opened for a year", ". old.png "}};
+    for (const auto& [age, rows] : cases) {
+        EXPECT_TRUE(pick("ageBtn", "ageMenu", age));
+        EXPECT_TRUE(becomes(rows)) << age << ": " << list();
+    }
+    EXPECT_EQ(on.textOf("listNote"), "");
+}
+
+TEST_F(LargestList, SaysWhereNothingNotesThatAFileIsOpened) {
+    if (!keepsAccessTimes(on.tree.at("f")).value_or(false))
+        GTEST_SKIP() << "nothing notes here that a file is opened";
+    ASSERT_TRUE(on.tree.folder("f/silent"));
+    const SilentFolder silent(on.tree.at("f/silent"));
+    if (!silent.isThere()) GTEST_SKIP() << "no mount without times of opening to be had";
+    ASSERT_TRUE(on.tree.sparse("f/silent/far.mkv", 2'000'000));
+    setTimes("f/silent/far.mkv", 1'400'000'000, 1'400'000'000);
+    ASSERT_TRUE(on.scan(on.tree.at("f")));
+    on.control<SegmentedControl>("viewSwitch").segment(1)->click();
+    ASSERT_TRUE(comes(6));
+    ASSERT_SOON(cell("old.png", LargestFilesModel::Opened) != "\u2013");
+    const QModelIndex opened = file("far.mkv").siblingAtColumn(LargestFilesModel::Opened);
+    EXPECT_EQ(opened.data().toString(), QStringLiteral("\u2013"));
+    EXPECT_EQ(opened.data(Qt::ToolTipRole).toString(),
+              QStringLiteral("It is not noted here when a file is opened"));
+    EXPECT_TRUE(pick("ageBtn", "ageMenu", "Not opened for a year"));
+    EXPECT_TRUE(becomes(". old.png ")) << list();
+    EXPECT_EQ(on.textOf("listNote"), "1 left out: it is not noted there when a file is opened");
+    EXPECT_EQ(age("It is not noted here when files are opened"), "") << "elsewhere it is";
+    EXPECT_TRUE(pick("ageBtn", "ageMenu", "Not changed for a year"));
+    EXPECT_TRUE(becomes(". far.mkv . old.png ")) << list();
+    EXPECT_EQ(on.textOf("listNote"), "");
+
+    on.window.window->window()->activateWindow();  // a menu was active
+    ASSERT_TRUE(QTest::qWaitForWindowActive(on.window.window->window()));
+    ASSERT_TRUE(on.scan(on.tree.at("f/silent")));
+    EXPECT_SOON(age("It is not noted here when files are opened") == "off");
+    for (const char* const each :
+         {"Not opened for a month", "Not opened for half a year", "Not opened for a year"})
+        EXPECT_EQ(age(each), "off") << each;
+    EXPECT_EQ(age("Not changed for a year"), "on");
 }
 
 TEST_F(LargestList, SharesItsTicksWithTheTree) {
