@@ -1,7 +1,10 @@
 // Copies that share their space instead of going: the question, what it does, the line about what
 // came of it, and what the list knows of it afterwards.
+#include <QApplication>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QMenu>
+#include <QPlainTextEdit>
 #include <QTest>
 
 #include "platform/freeSpace.h"
@@ -61,14 +64,34 @@ protected:
         for (const char* name : {"f/a/three.jpg", "f/b/three.jpg", "f/c/three.jpg"})
             ASSERT_TRUE(disk.write(name, someBytes(10000, 2)));
     }
-    /// Asks by the key, and has this answer taken.
-    bool ask(int answer) {
+    enum class By : std::uint8_t { Key, Pointer };
+    /// Asks, and has this answer taken.
+    bool ask(int answer, By by = By::Key) {
         const std::size_t asked = on.dialogs.alerts().size();
         on.dialogs.willAnswer(answer);
-        QTest::keyClick(&on.control("outline"), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        if (by == By::Pointer) clickInMenu(QStringLiteral("Share the Space\u2026"));
+        else pressKeys();
         const bool isAsked = on.waitFor([&] { return on.dialogs.alerts().size() > asked; });
         QCoreApplication::processEvents();
         return isAsked;
+    }
+    void pressKeys() {
+        on.window->window()->activateWindow();  // a menu or another window was active perhaps
+        EXPECT_TRUE(QTest::qWaitForWindowActive(on.window->window()));
+        QTest::keyClick(&on.control("outline"), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    }
+    /// In the menu beside the button that removes.
+    void clickInMenu(const QString& entry) {
+        on.click("otherWayBtn");
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        QAction* found = nullptr;
+        for (QAction* const each : menu->actions())
+            if (each->text() == entry) found = each;
+        if (found != nullptr)
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(found).center());
+        else menu->close();
+        EXPECT_NE(found, nullptr) << entry.toStdString();
     }
     [[nodiscard]] const Alert& question() const { return on.dialogs.alerts().back(); }
     [[nodiscard]] std::uint32_t names(const char* name) const {
@@ -84,7 +107,7 @@ TEST_F(PageSharing, HardLinksAreMadeWhereNothingElseIsPossibleAndWhatSharesLeave
     ASSERT_TRUE(on.search(disk.at("f")));
     on.tick("two.txt", "b/two.txt");
     on.tick("three.jpg", "c/three.jpg");
-    ASSERT_TRUE(ask(1));
+    ASSERT_TRUE(ask(1, By::Pointer));
     EXPECT_EQ(question().title, QStringLiteral("Share the space of the copies that stay?"));
     EXPECT_EQ(question().text.toStdString(),
               "1 file, up to 12.29 KB, by a hard link alone: it becomes another name of the copy "
@@ -93,6 +116,16 @@ TEST_F(PageSharing, HardLinksAreMadeWhereNothingElseIsPossibleAndWhatSharesLeave
     EXPECT_EQ(question().buttons,
               (QStringList{QStringLiteral("Make Hard Links"), QStringLiteral("Cancel")}));
     EXPECT_TRUE(on.page().bSearchFinished() && names("f/c/three.jpg") == 1);
+    EXPECT_EQ(question().linkText, QStringLiteral("Show Why"));
+    ASSERT_TRUE(question().linkAction);
+    question().linkAction();
+    auto* const why = on.window->window()->findChild<QWidget*>(QStringLiteral("lineList"));
+    ASSERT_NE(why, nullptr);
+    const std::string reasons = why->findChild<QPlainTextEdit*>()->toPlainText().toStdString();
+    EXPECT_THAT(reasons, HasSubstr("owner, group, rights or extended attributes"));
+    EXPECT_THAT(reasons, HasSubstr(disk.at("f/b/two.txt")));
+    EXPECT_EQ(reasons.find("three.jpg"), std::string::npos);
+    delete why;
 
     ASSERT_TRUE(ask(0));
     ASSERT_SOON(on.isShown("removedLine"));
@@ -172,6 +205,31 @@ TEST_F(PageSharing, OnBtrfsByExtentsAndTheFigureIsThatOfTheFileSystem) {
     const FileAttributes now = attributesOf(btrfs.at("f/b/film.mkv"));
     EXPECT_TRUE(now.inode == seen.inode && now.modified == seen.modified && now.links == 1);
     EXPECT_EQ(contentOf(btrfs.at("f/c/film.mkv")), bytes);
+}
+
+// One file system can do the one, the other only the other.
+TEST_F(PageSharing, WithHardLinksTooBothAreMade) {
+    BtrfsDisk btrfs;
+    if (!btrfs.isThere()) GTEST_SKIP() << btrfs.why();
+    for (const char* const name : {"f/a/film.mkv", "f/b/film.mkv"})
+        ASSERT_TRUE(btrfs.write(name, someBytes(1U << 20U, 5)));
+    testing::dropOn(on.control("dragView"), {disk.at("f"), btrfs.at("f")});
+    ASSERT_SOON(on.window->window()->findChild<QWidget*>(QStringLiteral("searchYes")) != nullptr);
+    on.click("searchYes");
+    ASSERT_SOON(on.page().bSearchFinished() && on.isShown("detailView"));
+    on.tick("film.mkv", "b/film.mkv");
+    on.tick("three.jpg", "c/three.jpg");
+    ASSERT_TRUE(ask(2));
+    EXPECT_EQ(question().buttons.join(QStringLiteral(", ")),
+              QStringLiteral("Share, Cancel, With Hard Links Too"));
+    ASSERT_SOON(on.isShown("removedLine"));
+    EXPECT_EQ(on.textOf("removedLine").find("2 shared"), 0U) << on.textOf("removedLine");
+    EXPECT_FALSE(on.isShown("failureLine"));
+    EXPECT_EQ(names("f/c/three.jpg"), 2U);
+    const Descriptor kept(::open(btrfs.at("f/a/film.mkv").c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor copy(::open(btrfs.at("f/b/film.mkv").c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_TRUE(hasSameExtents(kept.get(), copy.get()).value_or(false));
+    EXPECT_EQ(attributesOf(btrfs.at("f/b/film.mkv")).links, 1U);
 }
 
 // The figure is not worth waiting for a disk that hangs; nor is the window.
