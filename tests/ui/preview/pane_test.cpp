@@ -173,6 +173,8 @@ TEST_F(PreviewBesideList, FindsTheCopyThatStaysInALargeGroup) {
         if (each->isVisible()) listed.push_back(each->text().toStdString());
     EXPECT_EQ(listed.size(), 100);
     EXPECT_THAT(listed, AllOf(Contains(folderOf(chosen)), Contains(folderOf(stays))));
+    EXPECT_TRUE(on.isShown("previewMoreCopies"));
+    EXPECT_EQ(on.textOf("previewMoreCopies"), "and 5 more");
 }
 
 // Between the search and the look somebody has put something else there.
@@ -216,6 +218,7 @@ TEST_F(PreviewBesideList, ComparesTextsAndOpensFolders) {
         if (each->isVisible()) shown.push_back(each->text().toStdString());
     std::ranges::sort(shown);
     EXPECT_EQ(shown, (Strings{on.tree.at("f/a"), on.tree.at("f/b"), on.tree.at("f/c")}));
+    EXPECT_FALSE(on.isShown("previewMoreCopies"));
     for (QAbstractButton* const each : folders)
         if (each->text().endsWith(QLatin1String("/c"))) QTest::keyClick(each, Qt::Key_Return);
     EXPECT_EQ(on.revealed, Strings{on.tree.at("f/c/words.txt")});
