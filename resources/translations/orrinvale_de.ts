@@ -1361,7 +1361,7 @@
     <name>QnCheckUpdateWindowController</name>
     <message>
         <source>Looking for a newer version…</source>
-        <translation>Es wird nach einer neueren Version gesehen…</translation>
+        <translation>Es wird nach einer neueren Version gesehen …</translation>
     </message>
     <message>
         <source>Stop</source>
@@ -2681,7 +2681,7 @@
     </message>
     <message>
         <source>Looking how these copies can share their space…</source>
-        <translation>Es wird geprüft, wie diese Kopien ihren Platz teilen können…</translation>
+        <translation>Es wird geprüft, wie diese Kopien ihren Platz teilen können …</translation>
     </message>
     <message>
         <source>Stop</source>
@@ -3002,7 +3002,7 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>New: Orrinvale %1…</source>
-        <translation>Neu: Orrinvale %1…</translation>
+        <translation>Neu: Orrinvale %1 …</translation>
     </message>
     <message>
         <source>Uninstall Applications</source>
@@ -5313,7 +5313,7 @@ Freie Software unter der Apache License 2.0.</translation>
     </message>
     <message>
         <source>Share the Space…</source>
-        <translation>Platz teilen…</translation>
+        <translation>Platz teilen …</translation>
     </message>
     <message>
         <source>Nothing here takes its space twice any more.</source>

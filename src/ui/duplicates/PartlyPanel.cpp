@@ -25,7 +25,7 @@ namespace orrinvale {
 namespace {
 
 constexpr int partlyPanelWidth = 640, partlyListHeight = 240;
-constexpr int percentWidth = 64, filesWidth = 64, sharedWidth = 86;
+constexpr int percentWidth = 84, filesWidth = 64, sharedWidth = 86;
 
 static_assert(std::is_nothrow_destructible_v<TickColumn<PartlyEqual>>);  // see TickModel.h
 
@@ -33,16 +33,17 @@ QString shownFolderPath(const std::string& path) { return onOneLine(QString::fro
 
 QString percentOf(const PartlyEqual& pair) { return shownPercent(QString::number(pair.percent())); }
 
+QString partText(const PartlyEqual& pair) {
+    return PartlyPanel::tr("%1 of it is also in %2")
+        .arg(percentOf(pair), shownFolderPath(pair.other));
+}
+
 std::vector<TickColumn<PartlyEqual>> partlyColumns() {
     return {
         {.title = PartlyPanel::tr("Folder"),
          .look = CellLook::TwoLines,
          .text = [](const PartlyEqual& pair) { return shownFolderPath(pair.folder); },
-         .second =
-             [](const PartlyEqual& pair) {
-                 return PartlyPanel::tr("%1 of it is also in %2")
-                     .arg(percentOf(pair), shownFolderPath(pair.other));
-             },
+         .second = partText,
          .icon = [](const PartlyEqual&) { return picture(QStringLiteral("folder")); }},
         {.title = PartlyPanel::tr("Shared"),
          .look = CellLook::Figure,
@@ -73,7 +74,7 @@ protected:
         return shownFolderPath(pair.folder) + u'\n' + descriptionOf(pair);
     }
     [[nodiscard]] QString descriptionOf(const PartlyEqual& pair) const override {
-        return tr("%1 of it is also in %2").arg(percentOf(pair), shownFolderPath(pair.other));
+        return partText(pair);
     }
 };
 

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QLocale>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -19,6 +20,7 @@
 namespace orrinvale {
 namespace {
 
+// At least, of those with words: these are longer in other languages.
 constexpr int listedSizeWidth = 96, listedAgeWidth = 88, listedKindWidth = 84;
 
 QString listedSize(const FileNode& node) {
@@ -41,6 +43,23 @@ QString ageText(std::optional<std::int64_t> second) {
     if (days < twoYears)
         return LargestFilesModel::tr("%Ln months", nullptr, days / int(daysOfMonth));
     return LargestFilesModel::tr("%Ln years", nullptr, days / int(daysOfYear));
+}
+
+int ageWidth() {
+    constexpr int most = 99;
+    return std::max(listedAgeWidth,
+                    wordsColumnWidth({LargestFilesModel::tr("in the future"),
+                                      LargestFilesModel::tr("%Ln days", nullptr, most),
+                                      LargestFilesModel::tr("%Ln months", nullptr, most),
+                                      LargestFilesModel::tr("%Ln years", nullptr, most)}));
+}
+
+int kindWidth() {
+    QStringList titles;
+    for (const FileKind kind : {FileKind::Documents, FileKind::Music, FileKind::Videos,
+                                FileKind::Archives, FileKind::Pictures, FileKind::Others})
+        titles << fileKindTitle(kind);
+    return std::max(listedKindWidth, wordsColumnWidth(titles));
 }
 
 QString withOtherNames(const QString& text, const FileNode& node, const char* between) {
@@ -102,17 +121,17 @@ std::vector<TickColumn<FileNode>> LargestFilesModel::columns(const LargestFilesM
          .toolTip = sizeToolTip,
          .share = [model](const FileNode& node) { return model->shareOf(node); }},
         {.title = tr("Age"),
-         .width = listedAgeWidth,
+         .width = ageWidth(),
          .sortKey = int(Order::Written),
          .text = [](const FileNode& node) { return ageText(node.lastWritten()); },
          .toolTip = [](const FileNode& node) { return writingTip(node.lastWritten()); }},
         {.title = tr("Unopened"),
-         .width = listedAgeWidth,
+         .width = ageWidth(),
          .sortKey = int(Order::Opened),
          .text = [model](const FileNode& node) { return ageText(model->wish().lastOpened(node)); },
          .toolTip = [model](const FileNode& node) { return openingTip(model->wish(), node); }},
         {.title = tr("Kind"),
-         .width = listedKindWidth,
+         .width = kindWidth(),
          .text = [](const FileNode& node) { return fileKindTitle(kindOfNode(node)); }},
         {.title = tr("Folder"),
          .look = CellLook::Path,

@@ -2,15 +2,20 @@
 #include "ui/language/ShownTexts.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QAction>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMimeDatabase>
+#include <QTreeView>
 #include <QXmlStreamReader>
 #include <algorithm>
 
 #include "engine/text/Localized.h"
+#include "ui/kit/controls/ElidedLabel.h"
 #include "ui/kit/lists/FlatHeader.h"
+#include "ui/kit/lists/TickModel.h"
 #include "ui/kit/look/Theme.h"
 #include "ui/preferences/ToolbarItem.h"
 
@@ -26,6 +31,20 @@ void addTo(QStringList& texts, const QString& text) {
         if (hasLetter(line)) texts.push_back(line.trimmed());
 }
 
+/// Calls it for the rows of a list that are open, so many of each level.
+void forRows(const QAbstractItemView& view, const std::function<void(const QModelIndex&)>& each,
+             const QModelIndex& above = {}) {
+    constexpr int mostRows = 20;
+    const QAbstractItemModel& model = *view.model();
+    const auto* const tree = qobject_cast<const QTreeView*>(&view);
+    for (int row = 0; row < std::min(model.rowCount(above), mostRows); ++row) {
+        for (int column = 0; column < model.columnCount(above); ++column)
+            each(model.index(row, column, above));
+        const QModelIndex first = model.index(row, 0, above);
+        if (tree != nullptr && tree->isExpanded(first)) forRows(view, each, first);
+    }
+}
+
 void addTextsOf(const QWidget& widget, QStringList& texts) {
     for (const char* const property : {"text", "plainText", "title", "windowTitle", "toolTip",
                                        "accessibleName", "accessibleDescription"})
@@ -35,23 +54,50 @@ void addTextsOf(const QWidget& widget, QStringList& texts) {
         header && header->model())
         for (int column = 0; column < header->count(); ++column)
             addTo(texts, header->model()->headerData(column, Qt::Horizontal).toString());
+    if (const auto* const list = qobject_cast<const QAbstractItemView*>(&widget);
+        list && list->model() && qobject_cast<const QHeaderView*>(&widget) == nullptr)
+        forRows(*list, [&](const QModelIndex& cell) {
+            for (const int role :
+                 {int(Qt::DisplayRole), int(TickModel::SecondRole), int(Qt::ToolTipRole),
+                  int(Qt::AccessibleTextRole), int(Qt::AccessibleDescriptionRole)})
+                addTo(texts, cell.data(role).toString());
+        });
 }
 
 // Names, paths and sizes.
 bool isData(const QString& text) {
-    static const QRegularExpression data(QRegularExpression::anchoredPattern(
-        QStringLiteral("Orrinvale|folder|\\S+\\.txt|\\S*/\\S*|\\d+,\\d+ ?[KMG]B?|\\d+ Byte")));
+    static const QRegularExpression data(QRegularExpression::anchoredPattern(QStringLiteral(
+        "Orrinvale|folder|[a-z]|data|films|anna|\\S+\\.(txt|mkv|iso)|\\S*/\\S*|UTF-8|"
+        "[+-]?\\d+,\\d+[ \u00A0]?[KMG]B?|\\d+ Byte|"
+        "\\d+\\. \\S+ \\d{4}")));
     return data.match(text).hasMatch();
 }
 
-QRegularExpression patternOf(const QString& translation) {
-    static const QRegularExpression filledIn(QStringLiteral("\\\\%(\\d|L?n)"));
-    const QString escaped = QRegularExpression::escape(translation);
-    return QRegularExpression(QRegularExpression::anchoredPattern(
-        QString(escaped).replace(filledIn, QStringLiteral(".+"))));
+// Cells with words and figures. A name may be cut: it is whole in its tip.
+void addCutCells(const QTreeView& list, QStringList& cut) {
+    const QFontMetrics metrics(Theme::shared().font(Theme::Text::Body));
+    forRows(list, [&](const QModelIndex& cell) {
+        const auto look = static_cast<CellLook>(cell.data(TickModel::LookRole).toInt());
+        const QString text = cell.data().toString();
+        const bool isWhole = (look != CellLook::Text && look != CellLook::Figure) ||
+                             metrics.horizontalAdvance(text) + 2 * FlatHeader::textMargin <=
+                                 list.columnWidth(cell.column());
+        if (!isWhole) cut.push_back(list.objectName() + QStringLiteral(": ") + text);
+    });
 }
 
 }  // namespace
+
+GermanTexts::Pattern GermanTexts::patternOf(const QString& translation) {
+    static const QRegularExpression filledIn(QStringLiteral("\\\\%(\\d|L?n)"));
+    static const QRegularExpression letter(QStringLiteral("\\p{L}"));
+    constexpr int fewLetters = 2;
+    const QString escaped = QRegularExpression::escape(translation);
+    const QString own = QString(escaped).remove(filledIn);
+    return {QRegularExpression(QRegularExpression::anchoredPattern(
+                QString(escaped).replace(filledIn, QStringLiteral("(.+)")))),
+            own.count(letter) <= fewLetters};
+}
 
 QStringList shownTexts(const QWidget& widget) {
     QStringList texts;
@@ -73,7 +119,10 @@ QStringList cutTexts(const QWidget& window) {
         if (each->isVisible() && !each->text().isEmpty() && isCut) note(*each, each->text());
     }
     for (const auto* const each : window.findChildren<QLabel*>()) {
-        if (!each->isVisible() || each->text().isEmpty()) continue;
+        const bool isGone = each->width() == 0;  // where something else needs the room
+        if (!each->isVisible() || each->text().isEmpty() || isGone) continue;
+        if (qobject_cast<const ElidedLabel*>(each) != nullptr && each->text().contains(u'/'))
+            continue;  // a path is whole in its tip
         const bool fits = each->wordWrap() ? each->height() >= each->heightForWidth(each->width())
                                            : each->width() >= each->sizeHint().width();
         if (!fits) note(*each, each->text());
@@ -88,10 +137,16 @@ QStringList cutTexts(const QWidget& window) {
             if (!text.isEmpty() && each->sectionSize(column) < needed) note(*each, text);
         }
     }
+    for (const auto* const each : window.findChildren<QTreeView*>())
+        if (each->isVisible() && qobject_cast<const TickModel*>(each->model()) != nullptr)
+            addCutCells(*each, cut);
     return cut;
 }
 
 GermanTexts::GermanTexts() {
+    // What the desktop calls a kind of file.
+    m_patterns.push_back(
+        patternOf(QMimeDatabase().mimeTypeForName(QStringLiteral("text/plain")).comment()));
     for (const auto& [key, text] : builtInTexts("de").texts)
         m_patterns.push_back(patternOf(QString::fromStdString(text)));
     QFile file(QStringLiteral(ORRINVALE_GERMAN));
@@ -108,13 +163,19 @@ GermanTexts::GermanTexts() {
 
 bool GermanTexts::knows(const QString& text) const {
     const auto isTranslation = [this](const QString& piece) {
-        return std::ranges::any_of(m_patterns,
-                                   [&](const auto& each) { return each.match(piece).hasMatch(); });
+        return std::ranges::any_of(m_patterns, [&](const Pattern& each) {
+            const QRegularExpressionMatch match = each.text.match(piece);
+            const QStringList filled = match.capturedTexts().mid(1);
+            return match.hasMatch() &&
+                   (!each.isLoose || std::ranges::all_of(filled, [this](const QString& part) {
+                       return !hasLetter(part) || knows(part);
+                   }));
+        });
     };
     // How many there are of a kind stands behind it.
     static const QRegularExpression count(QStringLiteral(" \\(\\d+\\)$"));
     if (isTranslation(QString(text).remove(count))) return true;
-    static const QRegularExpression seam(QStringLiteral(", |: "));
+    static const QRegularExpression seam(QStringLiteral(", |: |  \u00B7  "));
     const QString sentence = text.endsWith(QLatin1Char('.')) ? text.chopped(1) : text;
     return std::ranges::all_of(sentence.split(seam), [&](const QString& piece) {
         return !hasLetter(piece) || isData(piece) || isTranslation(piece);

@@ -10,11 +10,12 @@
 namespace orrinvale::testing {
 
 /// Every text of the widget and of those in it: labels, buttons, titles, tool tips, what a screen
-/// reader says, menus, headers. Lines of their own; those without a letter are left out.
+/// reader says, menus, headers, the rows of lists that are open. Lines of their own; those without
+/// a letter are left out.
 [[nodiscard]] QStringList shownTexts(const QWidget& widget);
 
-/// Those visible labels and buttons, and columns of lists, whose text has less room than it needs:
-/// "name: text".
+/// Those visible labels and buttons, columns of lists, and cells of them that are no names and
+/// paths, whose text has less room than it needs: "name: text".
 [[nodiscard]] QStringList cutTexts(const QWidget& window);
 
 /// All that the window says in German.
@@ -28,7 +29,13 @@ public:
     [[nodiscard]] qsizetype size() const { return m_patterns.size(); }
 
 private:
-    QList<QRegularExpression> m_patterns;
+    struct Pattern {
+        QRegularExpression text;
+        bool isLoose = false;  // so few words that what is filled in must be German too: "%1 in %2"
+    };
+    static Pattern patternOf(const QString& translation);
+
+    QList<Pattern> m_patterns;
 };
 
 }  // namespace orrinvale::testing

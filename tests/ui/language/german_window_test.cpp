@@ -2,21 +2,15 @@
 // is smallest.
 #include <sys/fsuid.h>
 
-#include <QApplication>
-#include <QMenu>
-
-#include "support/test.h"
 #include "ui/cleaning/MainViewController.h"
 #include "ui/cleaning/cleanPage.h"
 #include "ui/diskusage/DiskUsageAppController.h"
 #include "ui/diskusage/diskUsagePage.h"
 #include "ui/duplicates/duplicatePage.h"
 #include "ui/kit/chrome/TCImageWindow.h"
-#include "ui/kit/dialogs/AlertPanel.h"
 #include "ui/kit/lists/TickOutline.h"
 #include "ui/kit/look/Theme.h"
-#include "ui/kit/look/Translations.h"
-#include "ui/language/ShownTexts.h"
+#include "ui/language/GermanWindow.h"
 #include "ui/loginitems/LoginItemController.h"
 #include "ui/memory/CleanMemoryController.h"
 #include "ui/preferences/AppPrefsWindowController.h"
@@ -30,38 +24,6 @@ namespace orrinvale::testing {
 namespace {
 
 constexpr uid_t nobody = 65534;
-
-class GermanWindow : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (m_translations.language().isEmpty()) GTEST_SKIP() << "no lrelease here";
-        ASSERT_GT(german.size(), 150);
-    }
-
-    /// Notes what stands there in another language, and what has too little room.
-    void look(const char* where, const QWidget& widget) {
-        QApplication::processEvents();
-        for (const QString& text : shownTexts(widget)) {
-            seen.insert(text);
-            // A button of a menu may show what is chosen in it, with its arrow behind.
-            const bool isChoice = text.endsWith(QStringLiteral(" \u25BE"));
-            if (!german.knows(text) && !(isChoice && german.knows(text.chopped(2))))
-                ADD_FAILURE() << where << ": \"" << text.toStdString() << "\" is no German of ours";
-        }
-        for (const QString& text : cutTexts(widget))
-            ADD_FAILURE() << where << " cuts off " << text.toStdString();
-    }
-    void lookAtMenu(const char* where, const QWidget& parent) {
-        auto* const menu = parent.findChild<QMenu*>();
-        ASSERT_NE(menu, nullptr) << where;
-        look(where, *menu);
-        menu->close();
-    }
-
-    Translations m_translations{QStringList{QStringLiteral("de-DE"), QStringLiteral("de")}};
-    const GermanTexts german;
-    QSet<QString> seen;
-};
 
 TEST_F(GermanWindow, TheDuplicatePage) {
     PageWindow on;
@@ -100,10 +62,7 @@ TEST_F(GermanWindow, TheDuplicatePage) {
     look("result of the removal", window);
     for (const char* const line : {"quietLine", "failureLine"}) {
         on.click(line);
-        auto* const list = window.findChild<QWidget*>(QStringLiteral("lineList"));
-        ASSERT_NE(list, nullptr);
-        look(line, *list);
-        delete list;
+        lookAtLines(line, window);
     }
     ASSERT_EQ(on.dialogs.alerts().size(), 2U);
     for (const Alert& alert : on.dialogs.alerts()) look("alert", AlertPanel(alert));

@@ -26,4 +26,11 @@ int dateColumnWidth() {
     return metrics.horizontalAdvance(text) + 2 * FlatHeader::textMargin + 1;
 }
 
+int wordsColumnWidth(const QStringList& words) {
+    const QFontMetrics metrics(Theme::shared().font(Theme::Text::Body));
+    int widest = 0;
+    for (const QString& each : words) widest = std::max(widest, metrics.horizontalAdvance(each));
+    return widest + 2 * FlatHeader::textMargin + 1;
+}
+
 }  // namespace orrinvale
