@@ -3,6 +3,7 @@
 #include "engine/duplicates/DuplicateFilesOpt.h"
 #include "engine/duplicates/MadeUpTimes.h"
 #include "engine/duplicates/cache/HashCache.h"
+#include "engine/duplicates/cache/HashFile.h"
 #include "engine/duplicates/results/RemovalPlan.h"
 #include "engine/removal/PairList.h"
 #include "engine/removal/stayReasons.h"
@@ -225,6 +226,27 @@ TEST_F(Remembered, AForgedFileIsAMissAndIsReplaced) {
                              bytes.begin() + 4096 + std::ptrdiff_t(56 * (1 + chance() % 7)));
         cacheTree.write("own/file-hashes", bytes);
         ASSERT_EQ(search(), groups);
+    }
+    // Of another version, of another machine, or false with a right sum.
+    const struct {
+        const char* what;
+        std::function<void(HashHeader&)> change;
+    } headers[] = {
+        {"version", [](HashHeader& header) { ++header.version; }},
+        {"order", [](HashHeader& header) { header.order = 0x04030201; }},
+        {"count", [](HashHeader& header) { ++header.count; }},
+        {"volumes", [](HashHeader& header) { header.volumeCount = HashHeader::mostVolumes + 1; }},
+        {"stretches", [](HashHeader& header) { ++header.stretchBits; }}};
+    for (const auto& [what, change] : headers) {
+        HashHeader header;
+        std::memcpy(&header, sound.data(), sizeof header);
+        change(header);
+        header.check = sumOf(header);
+        std::string bytes = sound;
+        std::memcpy(bytes.data(), &header, sizeof header);
+        cacheTree.write("own/file-hashes", bytes);
+        EXPECT_EQ(search(), groups) << what;
+        EXPECT_GT(files.opened, 0) << what;
     }
     cacheTree.write("own/file-hashes", "cut short");
     EXPECT_EQ(search(), groups);
