@@ -25,7 +25,11 @@ int checkLogFile(int file) {
     if (::fstat(file, &seen) != 0) return errno;
     if (!S_ISREG(seen.st_mode)) return EINVAL;
     if (seen.st_uid != ::geteuid()) return EPERM;
-    return seen.st_nlink == 1 ? 0 : EMLINK;
+    if (seen.st_nlink != 1) return EMLINK;
+    // One that was made with a wider mode is closed to others: its lines have names of files. Where
+    // the disk knows no modes it is taken as it is.
+    if ((seen.st_mode & 077U) != 0) static_cast<void>(::fchmod(file, 0600));
+    return 0;
 }
 
 }  // namespace

@@ -70,6 +70,22 @@ TEST(MacLog, BeginsWithTheReportAndGoesOn) {
     EXPECT_EQ(both.find("hardware info", first.size()), std::string::npos);
 }
 
+TEST(MacLog, AnOlderLogIsClosedToOthersAndItsPathMayHaveAnyBytes) {
+    TestTree tree;
+    const std::string folder = "b\xff\xc3", file = folder + '/' + name;
+    ASSERT_TRUE(tree.write(file, "earlier\n") && tree.setMode(file, 0644));
+    const auto sayThere = [&] {
+        ::setenv("XDG_STATE_HOME", tree.at(folder).c_str(), 1);
+        return sayTwo();
+    };
+    ASSERT_EQ(logging(tree, sayThere), "");
+    struct stat seen {};
+    ASSERT_EQ(::stat(tree.at(file).c_str(), &seen), 0);
+    EXPECT_EQ(seen.st_mode & 07777U, 0600U);
+    const std::string log = contentOf(tree.at(file));
+    EXPECT_TRUE(log.starts_with("earlier\n") && log.ends_with(" one\nraw\n")) << log;
+}
+
 TEST(MacLog, ALogOverTheLimitBeginsAnew) {
     const struct {
         std::uint64_t size;
