@@ -1,7 +1,5 @@
 #include "services/updates/UpdateWatch.h"
 
-#include <utility>
-
 #include "engine/settings/SettingsKeys.h"
 #include "services/foundation/runAside.h"
 
@@ -9,14 +7,12 @@ namespace orrinvale {
 namespace {
 
 constexpr std::chrono::seconds roadLook{2};
-constexpr std::chrono::minutes firstLook{1};  // a desktop that starts has enough to do
-constexpr std::chrono::hours laterLooks{1};
 constexpr std::chrono::hours failurePause{4};
 
 }  // namespace
 
 // A setting may change on any thread.
-UpdateWatch::UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* parent)
+UpdateWatch::UpdateWatch(UpdateParts parts, UserDefaults& defaults, Times times, QObject* parent)
     : QObject(parent),
       m_parts(std::move(parts)),
       m_defaults(defaults),
@@ -25,11 +21,11 @@ UpdateWatch::UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* par
           *wanted = defaults.boolForKey(SUEnableAutomaticChecks);
       })) {
     QTimer::singleShot(roadLook, this, &UpdateWatch::findRoad);
-    connect(&m_timer, &QTimer::timeout, this, [this] {
-        m_timer.setInterval(laterLooks);
+    connect(&m_timer, &QTimer::timeout, this, [this, times] {
+        m_timer.setInterval(times.later);
         look();
     });
-    m_timer.start(firstLook);
+    m_timer.start(times.first);
 }
 
 UpdateWatch::~UpdateWatch() {

@@ -5,9 +5,11 @@
 #include <QString>
 #include <QTimer>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "engine/settings/UserDefaults.h"
 #include "engine/updates/UpdateCheck.h"
@@ -22,8 +24,17 @@ class ThreadWorker;
 class UpdateWatch final : public QObject {
     Q_OBJECT
 public:
+    /// How long after the start it asks first, and between two times from then on.
+    struct Times {
+        std::chrono::milliseconds first{60'000};  // a desktop that starts has enough to do
+        std::chrono::milliseconds later{3'600'000};
+    };
+
     /// The settings outlive the object.
-    UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* parent = nullptr);
+    UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* parent = nullptr)
+        : UpdateWatch(std::move(parts), defaults, Times{}, parent) {}
+    UpdateWatch(UpdateParts parts, UserDefaults& defaults, Times times,
+                QObject* parent = nullptr);
     ~UpdateWatch() override;
 
     /// Looks at once, aside. A look under way is enough, and one that failed is not repeated for

@@ -149,6 +149,19 @@ TEST_F(UpdateFetchTest, ALookEndsWhereItIsSwitchedOff) {
     EXPECT_TRUE(testing::serveUntil([&] { return hasLooked; }, 10));
 }
 
+TEST_F(UpdateFetchTest, TheWatchLooksByItselfAgainAndAgain) {
+    const TestTree tree;
+    UserDefaults defaults(tree.at("settings.ini"));
+    defaults.setBool(true, SUEnableAutomaticChecks);
+    int looks = 0;
+    UpdateWatch watch(parts("/newer", transport), defaults, {.first = 10ms, .later = 20ms});
+    QObject::connect(&watch, &UpdateWatch::looked, &watch, [&] { ++looks; });
+    EXPECT_TRUE(testing::serveUntil([&] { return looks >= 3; }, 10)) << looks;
+    const UpdateWatch::Times usual;
+    EXPECT_EQ(usual.first, 1min);
+    EXPECT_EQ(usual.later, 1h);
+}
+
 TEST_F(UpdateFetchTest, TheWatchAsksOnlyWhereItIsSwitchedOnAndTellsAVersionOnce) {
     const TestTree tree;
     UserDefaults defaults(tree.at("settings.ini"));
