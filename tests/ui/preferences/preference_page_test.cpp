@@ -329,6 +329,13 @@ TEST_F(PreferencesOfASlowStart, UpdatesAreGreyUntilItIsKnownWhereTheyComeFrom) {
     *road = UpdateRoad::Server;
     notice::updateRoadFound.post(notifications);
     EXPECT_TRUE(isEnabled("autoCheckUpdates") && isEnabled("updateTime"));
+    *road = UpdateRoad::Package;
+    notice::updateRoadFound.post(notifications);
+    for (const char* const name : {"autoCheckUpdates", "updateTime"}) {
+        EXPECT_FALSE(isEnabled(name)) << name;
+        EXPECT_EQ(control(name).accessibleDescription(),
+                  QStringLiteral("Newer versions come with your system."));
+    }
 }
 
 class PreferencesOfABareDesktop : public Preferences {

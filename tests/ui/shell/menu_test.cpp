@@ -152,6 +152,26 @@ TEST(ApplicationMenu, EachEntrySaysAndDoesWhatItShould) {
     }
 }
 
+TEST(ApplicationMenu, AStartWithAnActionShowsItsPage) {
+    const UpdateParts updates;
+    Menu on(updates);
+    const struct {
+        std::string action;
+        const char* page;
+    } cases[] = {{"clean", "page Scan"},
+                 {"disk-usage", "page disk_usage"},
+                 {"uninstall", "page uninstall"},
+                 {startAction::withFolder("disk-usage", on.tree.path()), "page disk_usage"},
+                 {"free-space", "page free_space"},
+                 {"memory", "page memory"},
+                 {"login-items", "page login_items"},
+                 {"preferences", "page preferences"}};
+    for (const auto& each : cases) {
+        on.delegate->perform({StartRequest::Kind::Action, each.action, ""});
+        EXPECT_SOON(on.effect() == each.page) << each.action << " shows " << on.effect();
+    }
+}
+
 TEST(ApplicationMenu, TheToolbarHasItsPagesInOrder) {
     const UpdateParts updates;
     Menu on(updates);
