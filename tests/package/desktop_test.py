@@ -16,6 +16,16 @@ class DesktopFiles(support.Case):
     def test_menu_entry(self):
         self.quiet(tool("desktop-file-validate"), SOURCE / f"data/{ID}.desktop")
 
+    def test_each_action_is_one_that_the_program_knows(self):
+        entry = (SOURCE / f"data/{ID}.desktop").read_text(encoding="utf-8")
+        ids = re.search(r"(?m)^Actions=(.*);$", entry).group(1).split(";")
+        self.assertEqual(re.findall(r"(?m)^\[Desktop Action (.*)\]$", entry), ids)
+        # Over the bus the id itself is the action's name, and else the word that is given behind the option.
+        self.assertEqual(re.findall(r"(?m)^Exec=orrinvale --action (\S+)$", entry), ids)
+        status, text = run(BUILD / "bin/orrinvale", "--help")
+        self.assertEqual(status, 0, text)
+        self.assertLessEqual(set(ids), set(support.actions(text)))
+
     def test_description_for_software_centres(self):
         status, text = run(tool("appstreamcli"), "validate", "--no-net", DATA / f"{ID}.metainfo.xml")
         self.assertEqual(status, 0, text)

@@ -59,6 +59,16 @@ class ManualPages(support.Case):
             for word in options + arguments:
                 self.assertRegex(sections[name] + common, rf"(?m)^ +(-\w, )?{re.escape(word)}(\W|$)", name)
 
+    def test_every_option_and_action_of_the_window_is_told(self):
+        status, text = run(BUILD / "bin/orrinvale", "--help")
+        self.assertEqual(status, 0, text)
+        options = re.search(r"(?ms)^OPTIONS\n(.*?)^\S", shown(DATA / "orrinvale.1")).group(1)
+        names = re.findall(r"(?m)^  (--[a-z-]+)", text)
+        self.assertGreater(len(names), 3)
+        self.assertEqual(len(support.actions(text)), 12)
+        for word in names + support.actions(text):
+            self.assertRegex(options, rf"(?m)^ +([a-z-]+, )*{word}(,|\s|$)")
+
     def test_texts_of_any_form_reach_the_reader(self):
         text = shown(DATA / "orrinvale-cli.1")
         self.assertIn("Search the system's folders in / too.", text)

@@ -1,5 +1,6 @@
 """What the checks of the package share: where things lie, how tools are run, how a check that can not be made says so."""
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -25,6 +26,12 @@ def run(*command, **options):
     done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                           stdin=subprocess.DEVNULL, check=False, text=True, errors="replace", **options)
     return done.returncode, done.stdout
+
+
+def actions(text):
+    """The names behind --action in the help of the program with the window."""
+    block = re.search(r"(?ms)^  --action NAME (.*?)^  --", text).group(1)
+    return re.findall(r"(?<![\w-])[a-z-]+(?=[,:])", block)
 
 
 def package():
