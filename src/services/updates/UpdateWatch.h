@@ -33,8 +33,7 @@ public:
     /// The settings outlive the object.
     UpdateWatch(UpdateParts parts, UserDefaults& defaults, QObject* parent = nullptr)
         : UpdateWatch(std::move(parts), defaults, Times{}, parent) {}
-    UpdateWatch(UpdateParts parts, UserDefaults& defaults, Times times,
-                QObject* parent = nullptr);
+    UpdateWatch(UpdateParts parts, UserDefaults& defaults, Times times, QObject* parent = nullptr);
     ~UpdateWatch() override;
 
     /// Looks at once, aside. A look under way is enough, and one that failed is not repeated for
