@@ -16,7 +16,7 @@ struct EntryWords {
 }  // namespace
 
 QString countedEntries(const EntryCounts& counts) {
-    const QString files =
+    QString files =
         counts.files == 1 ? EntryWords::tr("1 file")
                           : EntryWords::tr("%Ln files", nullptr, static_cast<int>(counts.files));
     if (counts.folders == 0) return files;

@@ -68,9 +68,9 @@ QString shortenedFolder(const QString& folder, const QString& shared, const QFon
     const qsizetype first =
         shared.isEmpty() ? 0 : qMin(shared.split(slash, Qt::SkipEmptyParts).size(), last);
     const QString start = first > 0 ? QString(dots) + slash : QString(slash);
-    if (const QString tail = start + from(names, first); fits(tail)) return tail;
+    if (QString tail = start + from(names, first); fits(tail)) return tail;
     for (qsizetype next = first + 2; next <= last; ++next)
-        if (const QString cut = start + names[first] + slash + dots + slash + from(names, next);
+        if (QString cut = start + names[first] + slash + dots + slash + from(names, next);
             fits(cut))
             return cut;
     const QString end = lastOnly(folder);

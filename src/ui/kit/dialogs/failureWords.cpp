@@ -322,7 +322,7 @@ QString inWords(const std::string& reason) {
             return QCoreApplication::translate(context, known)
                 .arg(inWords(reason.substr(beginning.size())));
     }
-    const QString said = QString::fromStdString(reason);
+    QString said = QString::fromStdString(reason);
     for (const Form& form : forms()) {
         const QStringList names = form.expression.match(said).capturedTexts().mid(1);
         if (names.isEmpty()) continue;

@@ -37,6 +37,7 @@ Alert stayedAlert(const RemovalOutcome& outcome) {
     std::map<QString, std::size_t> counts;
     for (const StayedEntry& each : outcome.stayed) ++counts[inWords(each.reason)];
     std::vector<std::pair<std::size_t, QString>> reasons;
+    reasons.reserve(counts.size());
     for (const auto& [reason, count] : counts) reasons.emplace_back(count, reason);
     std::stable_sort(reasons.begin(), reasons.end(),
                      [](const auto& a, const auto& b) { return a.first > b.first; });

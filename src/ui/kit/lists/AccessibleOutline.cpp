@@ -32,7 +32,7 @@ public:
     QAccessibleInterface* child(int index) const override {
         if (index == cellCount())
             return QAccessible::queryAccessibleInterface(m_outline.headerBox());
-        if (index < 0 || index > cellCount()) return nullptr;
+        if (index < 0 || index > cellCount() || columnCount() == 0) return nullptr;
         return cell({index / columnCount() - 1, index % columnCount()});
     }
     int indexOfChild(const QAccessibleInterface* child) const override {
