@@ -16,9 +16,9 @@ struct EntryWords {
 }  // namespace
 
 QString countedEntries(const EntryCounts& counts) {
-    QString files =
-        counts.files == 1 ? EntryWords::tr("1 file")
-                          : EntryWords::tr("%Ln files", nullptr, static_cast<int>(counts.files));
+    QString files = counts.files == 1
+                        ? EntryWords::tr("1 file")
+                        : EntryWords::tr("%Ln files", nullptr, static_cast<int>(counts.files));
     if (counts.folders == 0) return files;
     const QString folders = counts.folders == 1 ? EntryWords::tr("1 folder")
                                                 : EntryWords::tr("%Ln folders", nullptr,
