@@ -43,6 +43,7 @@ std::vector<std::string> bareEnvironment() {
 
 std::vector<char*> asVector(std::vector<std::string>& texts) {
     std::vector<char*> vector;
+    vector.reserve(texts.size() + 1);
     for (std::string& text : texts) vector.push_back(text.data());
     vector.push_back(nullptr);
     return vector;

@@ -61,7 +61,7 @@ class Failure final {
 public:
     Failure() = default;
     ~Failure() {
-        if (m_error != nullptr) library().freeError(m_error);
+        if (m_error != nullptr && library().freeError != nullptr) library().freeError(m_error);
     }
     Failure(const Failure&) = delete;
     Failure& operator=(const Failure&) = delete;
